@@ -1,0 +1,17 @@
+#pragma once
+// Where the module that contains this code lives (the library itself, or a program that links the platform
+// layer statically).
+#include <string>
+
+namespace TALVIR::Platform {
+
+// Full path of the module file that contains this function; empty if the loader cannot tell.
+std::string OwnModulePath();
+
+// OwnModulePath() cut after its last separator, so the separator stays; empty for a path without one.
+std::string OwnModuleDirectory();
+
+// The path separator of this platform, as appended after a directory.
+constexpr char kPathSeparator = '/';
+
+} // namespace TALVIR::Platform

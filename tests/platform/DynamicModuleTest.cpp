@@ -1,0 +1,82 @@
+#include "platform/DynamicModule.h"
+#include "platform/SelfPath.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+namespace TALVIR::Platform {
+namespace {
+
+using AnswerFunction = int (*)();
+
+TEST(NativeModuleName, MapsWindowsLibraryNamesToSharedObjects) {
+  EXPECT_EQ(NativeModuleName("ImvexImgConvert.dll"), "libImvexImgConvert.so");
+  EXPECT_EQ(NativeModuleName("VendraLib.DLL"), "libVendraLib.so");
+  EXPECT_EQ(NativeModuleName("drivers/TavCLProtocolGenCP.dll"), "drivers/libTavCLProtocolGenCP.so");
+}
+
+TEST(NativeModuleName, LeavesProducersAndOtherNamesAlone) {
+  EXPECT_EQ(NativeModuleName("TalvirSim.cti"), "TalvirSim.cti");
+  EXPECT_EQ(NativeModuleName("libz.so.1"), "libz.so.1");
+  EXPECT_EQ(NativeModuleName("dll"), "dll");
+  EXPECT_EQ(NativeModuleName(".dllx"), ".dllx");
+}
+
+TEST(LoadModule, FindsABareNameInOurOwnFolderFirst) {
+  // The test module is built into the same folder as this program, which is not on the system search path.
+  CDynamicModule module("talvir_test_module.dll");
+  ASSERT_TRUE(module.IsLoaded()) << LastModuleError();
+  const auto answer = module.Symbol<AnswerFunction>("TalvirTestModuleAnswer");
+  ASSERT_NE(answer, nullptr);
+  EXPECT_EQ(answer(), 42);
+}
+
+TEST(LoadModule, LoadsByFullPath) {
+  const std::string path = OwnModuleDirectory() + "libtalvir_test_module.so";
+  CDynamicModule module(path);
+  ASSERT_TRUE(module.IsLoaded()) << LastModuleError();
+  EXPECT_NE(module.Symbol<AnswerFunction>("TalvirTestModuleAnswer"), nullptr);
+}
+
+TEST(LoadModule, FallsBackToTheSystemLoaderForBareNames) {
+  CDynamicModule module("libm.so.6");
+  ASSERT_TRUE(module.IsLoaded()) << LastModuleError();
+  EXPECT_NE(module.Symbol<void*>("cos"), nullptr);
+}
+
+TEST(LoadModule, MissingModuleGivesNullAndAReason) {
+  CDynamicModule module("no_such_module_anywhere.dll");
+  EXPECT_FALSE(module.IsLoaded());
+  EXPECT_NE(LastModuleError().find("no_such_module_anywhere"), std::string::npos) << LastModuleError();
+
+  CDynamicModule missingPath("/nonexistent/folder/x.cti");
+  EXPECT_FALSE(missingPath.IsLoaded());
+  EXPECT_EQ(LoadModule(""), nullptr);
+  EXPECT_FALSE(LastModuleError().empty());
+}
+
+TEST(FindSymbol, UnknownSymbolAndNullHandleGiveNull) {
+  CDynamicModule module("talvir_test_module.dll");
+  ASSERT_TRUE(module.IsLoaded());
+  EXPECT_EQ(FindSymbol(module.Handle(), "NoSuchSymbol"), nullptr);
+  EXPECT_EQ(FindSymbol(nullptr, "TalvirTestModuleAnswer"), nullptr);
+  EXPECT_EQ(FindSymbol(module.Handle(), nullptr), nullptr);
+  FreeModule(nullptr); // must be harmless
+}
+
+TEST(CDynamicModule, MoveTransfersOwnership) {
+  CDynamicModule first("talvir_test_module.dll");
+  ASSERT_TRUE(first.IsLoaded());
+  const ModuleHandle handle = first.Handle();
+  CDynamicModule second(std::move(first));
+  EXPECT_FALSE(first.IsLoaded()); // NOLINT(bugprone-use-after-move): checking the moved-from state on purpose
+  EXPECT_EQ(second.Handle(), handle);
+  CDynamicModule third;
+  third = std::move(second);
+  EXPECT_EQ(third.Handle(), handle);
+  EXPECT_NE(third.Symbol<AnswerFunction>("TalvirTestModuleAnswer"), nullptr);
+}
+
+} // namespace
+} // namespace TALVIR::Platform
