@@ -1,0 +1,36 @@
+#pragma once
+// The library's entry points.
+//
+//   TALVIR::Init();
+//   for (TALVIR::ICameraInfo* info : TALVIR::Discovery(nullptr)) { ...; info->Destroy(); }
+//   TALVIR::UnInit();
+//
+// Producers (.cti files) are looked for beside the library, or named in "DiscoveryCfg.ini" there (section "User",
+// key "CtiNames", names separated by ';'). No entry point reports an error: before Init, after UnInit or on
+// failure they return an empty list or a null pointer.
+#include <talvir/Export.h>
+#include <talvir/ICamera.h>
+#include <talvir/ICameraInfo.h>
+#include <talvir/IXml.h>
+#include <talvir/TLType.h>
+
+#include <cstdint>
+#include <list>
+
+namespace TALVIR {
+
+// Creates the process-wide manager and reads the discovery configuration; a second call does nothing.
+TALVIR_API void Init();
+// Releases every camera and producer; Init may be called again afterwards.
+TALVIR_API void UnInit();
+// Discovers the devices of every producer, or of the one producer file named by `ctiName` (null or empty: all).
+TALVIR_API std::list<ICameraInfo*> Discovery(const char* ctiName);
+// Discovers the devices of the producers whose transport-layer type shares a bit with `tlTypeMask` (TLType bits);
+// TLType::AllProducers selects every producer, TLType::CLSerialOnly probes serial ports for Camera Link cameras.
+TALVIR_API std::list<ICameraInfo*> DiscoveryByTLType(uint64_t tlTypeMask);
+// The camera for a discovered device; the same camera again for a device that already has one.
+TALVIR_API ICamera* CreateCamera(ICameraInfo* info);
+// The camera whose serial number equals `serialNumber` exactly; runs one discovery when the device is not yet known.
+TALVIR_API ICamera* CreateCameraBySN(const char* serialNumber);
+
+} // namespace TALVIR

@@ -1,0 +1,84 @@
+#pragma once
+// The library's device record: what a producer reports about one device, and where the device was found.
+#include "gentl/Ref.h"
+
+#include <talvir/ICameraInfo.h>
+
+#include <cstdint>
+#include <string>
+#include <unordered_map>
+
+namespace TALVIR {
+
+class CCti;
+class IGenTLModule;
+
+// Custom information item numbers (GetCustomInfo). GigE items come from the GigE device record, the others are the
+// texts of producer-specific device information commands.
+namespace CustomInfo {
+constexpr uint32_t GevIPAddress = 1;
+constexpr uint32_t GevMACAddress = 2;
+constexpr uint32_t GevAddress3 = 3;
+constexpr uint32_t GevAddress4 = 4;
+constexpr uint32_t GevText5 = 5;
+constexpr uint32_t GevAddress6 = 6;
+constexpr uint32_t GevAddress7 = 7;
+constexpr uint32_t U3VDeviceIDTail = 8;
+constexpr uint32_t U3VInfo1102 = 9;
+constexpr uint32_t U3VInfo1101 = 10;
+constexpr uint32_t U3VInfo1100 = 11;
+constexpr uint32_t CLInfo1201 = 21;
+constexpr uint32_t CLInfo1202 = 22;
+constexpr uint32_t CLInfo1203 = 23;
+constexpr uint32_t CLInfo1205 = 25;
+constexpr uint32_t CLInfo1207 = 27;
+constexpr uint32_t CLProtocolDescriptor = 28;
+constexpr uint32_t CLGrabberSerialPort = 29;
+constexpr uint32_t CLInfo1230 = 30;
+constexpr uint32_t CLInfo1231 = 31;
+} // namespace CustomInfo
+
+class CCameraInfo final : public ICameraInfo, public CRef {
+public:
+  CCameraInfo(CCti* producer, IGenTLModule* interfaceModule);
+
+  uint32_t GetTLType() const override { return m_tlType; }
+  uint32_t GetAccessStatus() const override { return m_accessStatus; }
+  const char* GetDeviceID() const override { return m_deviceID.c_str(); }
+  const char* GetSerialNumber() const override { return m_serialNumber.c_str(); }
+  const char* GetVendor() const override { return m_vendor.c_str(); }
+  const char* GetModel() const override { return m_model.c_str(); }
+  const char* GetDisplayName() const override { return m_displayName.c_str(); }
+  const char* GetUserDefinedName() const override { return m_userDefinedName.c_str(); }
+  const char* GetVersion() const override { return m_version.c_str(); }
+  uint64_t GetTimestampFrequency() const override { return m_timestampFrequency; }
+  const char* GetCustomInfo(uint32_t item) const override;
+  void Destroy() override { DestroyRef(); }
+
+  CCti* Producer() const { return m_producer; }
+  IGenTLModule* Interface() const { return m_interface; }
+
+  // Filled by the producer while it enumerates; not changed once the record is handed out.
+  uint32_t m_tlType = 0;
+  uint32_t m_accessStatus = 0;
+  std::string m_deviceID;
+  std::string m_serialNumber;
+  std::string m_vendor;
+  std::string m_model;
+  std::string m_displayName;
+  std::string m_userDefinedName;
+  std::string m_version;
+  uint64_t m_timestampFrequency = 0;
+  std::unordered_map<uint32_t, std::string> m_customInfo;
+
+private:
+  CCti* m_producer;
+  IGenTLModule* m_interface;
+};
+
+// Whether two records describe the same device as seen through the same producer: same producer, TL type, device
+// ID, serial number, vendor and model; for GigE devices also the same IP address, MAC address and item 6 address.
+// A record of a serial-port-only Camera Link camera never equals anything.
+bool SameDevice(const CCameraInfo& record, const ICameraInfo* other);
+
+} // namespace TALVIR
