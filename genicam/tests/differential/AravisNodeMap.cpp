@@ -20,15 +20,19 @@ gboolean WriteRegisters(void* context, guint64 address, guint32 size, const void
     return static_cast<CSparseRegisterSpace*>(context)->Write(buffer, address, size) ? TRUE : FALSE;
 }
 
-// Runs one query; on failure records the message and leaves the field out.
+// Runs one query; on failure records the message and leaves the field out. Besides the record's first error, the
+// oracle keeps every field's own error under "field_errors", so that the differential test can tell which documented
+// deviation of the comparison engine caused a missing field.
 template <typename TQuery>
-bool Query(nlohmann::ordered_json& record, TQuery&& query)
+bool Query(nlohmann::ordered_json& record, const char* field, TQuery&& query)
 {
     GError* error = nullptr;
     query(&error);
     if (error == nullptr)
         return true;
-    CFeatureDump::NoteError(record, error->message != nullptr ? error->message : "error");
+    const std::string message = error->message != nullptr ? error->message : "error";
+    CFeatureDump::NoteError(record, message);
+    record["field_errors"][field] = message;
     g_clear_error(&error);
     return false;
 }
@@ -40,15 +44,15 @@ std::string AccessOf(ArvGcFeatureNode* node, nlohmann::ordered_json& record)
     gboolean implemented = FALSE;
     gboolean available = FALSE;
     gboolean locked = FALSE;
-    if (Query(record, [&](GError** e) { implemented = arv_gc_feature_node_is_implemented(node, e); }))
+    if (Query(record, "implemented", [&](GError** e) { implemented = arv_gc_feature_node_is_implemented(node, e); }))
         record["implemented"] = implemented != FALSE;
-    if (Query(record, [&](GError** e) { available = arv_gc_feature_node_is_available(node, e); }))
+    if (Query(record, "available", [&](GError** e) { available = arv_gc_feature_node_is_available(node, e); }))
         record["available"] = available != FALSE;
     if (!implemented)
         return "NI";
     if (!available)
         return "NA";
-    Query(record, [&](GError** e) { locked = arv_gc_feature_node_is_locked(node, e); });
+    Query(record, "access", [&](GError** e) { locked = arv_gc_feature_node_is_locked(node, e); });
     const ArvGcAccessMode mode = arv_gc_feature_node_get_actual_access_mode(node);
     switch (mode)
     {
@@ -65,26 +69,26 @@ void DumpValue(ArvGcFeatureNode* node, EValueKind kind, bool readable, nlohmann:
     {
         auto* integer = ARV_GC_INTEGER(node);
         gint64 v = 0;
-        if (readable && Query(record, [&](GError** e) { v = arv_gc_integer_get_value(integer, e); }))
+        if (readable && Query(record, "value", [&](GError** e) { v = arv_gc_integer_get_value(integer, e); }))
             record["value"] = v;
-        if (Query(record, [&](GError** e) { v = arv_gc_integer_get_min(integer, e); }))
+        if (Query(record, "min", [&](GError** e) { v = arv_gc_integer_get_min(integer, e); }))
             record["min"] = v;
-        if (Query(record, [&](GError** e) { v = arv_gc_integer_get_max(integer, e); }))
+        if (Query(record, "max", [&](GError** e) { v = arv_gc_integer_get_max(integer, e); }))
             record["max"] = v;
-        if (Query(record, [&](GError** e) { v = arv_gc_integer_get_inc(integer, e); }))
+        if (Query(record, "inc", [&](GError** e) { v = arv_gc_integer_get_inc(integer, e); }))
             record["inc"] = v;
     }
     else if (kind == EValueKind::Float && ARV_IS_GC_FLOAT(node))
     {
         auto* number = ARV_GC_FLOAT(node);
         double v = 0;
-        if (readable && Query(record, [&](GError** e) { v = arv_gc_float_get_value(number, e); }))
+        if (readable && Query(record, "value", [&](GError** e) { v = arv_gc_float_get_value(number, e); }))
             record["value"] = FloatToJson(v);
-        if (Query(record, [&](GError** e) { v = arv_gc_float_get_min(number, e); }))
+        if (Query(record, "min", [&](GError** e) { v = arv_gc_float_get_min(number, e); }))
             record["min"] = FloatToJson(v);
-        if (Query(record, [&](GError** e) { v = arv_gc_float_get_max(number, e); }))
+        if (Query(record, "max", [&](GError** e) { v = arv_gc_float_get_max(number, e); }))
             record["max"] = FloatToJson(v);
-        if (Query(record, [&](GError** e) { v = arv_gc_float_get_inc(number, e); }))
+        if (Query(record, "inc", [&](GError** e) { v = arv_gc_float_get_inc(number, e); }))
             record["inc"] = FloatToJson(v);
     }
     else if (!readable)
@@ -92,13 +96,13 @@ void DumpValue(ArvGcFeatureNode* node, EValueKind kind, bool readable, nlohmann:
     else if (kind == EValueKind::Boolean && ARV_IS_GC_BOOLEAN(node))
     {
         gboolean v = FALSE;
-        if (Query(record, [&](GError** e) { v = arv_gc_boolean_get_value(ARV_GC_BOOLEAN(node), e); }))
+        if (Query(record, "value", [&](GError** e) { v = arv_gc_boolean_get_value(ARV_GC_BOOLEAN(node), e); }))
             record["value"] = v != FALSE;
     }
     else if (kind == EValueKind::Enumeration && ARV_IS_GC_ENUMERATION(node))
     {
         const char* v = nullptr;
-        if (Query(record, [&](GError** e) { v = arv_gc_enumeration_get_string_value(ARV_GC_ENUMERATION(node), e); }))
+        if (Query(record, "value", [&](GError** e) { v = arv_gc_enumeration_get_string_value(ARV_GC_ENUMERATION(node), e); }))
             record["value"] = v != nullptr ? v : "";
     }
     else if (kind == EValueKind::String && ARV_IS_GC_STRING(node))
@@ -106,7 +110,7 @@ void DumpValue(ArvGcFeatureNode* node, EValueKind kind, bool readable, nlohmann:
         // The engine allocates the whole declared length before reading, so strings backed by an over-long register
         // are refused up front. A string held in the description itself reports no limit.
         gint64 length = 0;
-        if (!Query(record, [&](GError** e) { length = arv_gc_string_get_max_length(ARV_GC_STRING(node), e); }))
+        if (!Query(record, "value", [&](GError** e) { length = arv_gc_string_get_max_length(ARV_GC_STRING(node), e); }))
             return;
         if (length != G_MAXINT64 && static_cast<uint64_t>(length) > CSparseRegisterSpace::kMaxAccessLength)
         {
@@ -114,14 +118,14 @@ void DumpValue(ArvGcFeatureNode* node, EValueKind kind, bool readable, nlohmann:
             return;
         }
         const char* v = nullptr;
-        if (Query(record, [&](GError** e) { v = arv_gc_string_get_value(ARV_GC_STRING(node), e); }))
+        if (Query(record, "value", [&](GError** e) { v = arv_gc_string_get_value(ARV_GC_STRING(node), e); }))
             record["value"] = v != nullptr ? v : "";
     }
     else if (kind == EValueKind::Register && ARV_IS_GC_REGISTER(node))
     {
         auto* reg = ARV_GC_REGISTER(node);
         guint64 length = 0;
-        if (!Query(record, [&](GError** e) { length = arv_gc_register_get_length(reg, e); }))
+        if (!Query(record, "value", [&](GError** e) { length = arv_gc_register_get_length(reg, e); }))
             return;
         if (length > CSparseRegisterSpace::kMaxAccessLength)
         {
@@ -129,7 +133,7 @@ void DumpValue(ArvGcFeatureNode* node, EValueKind kind, bool readable, nlohmann:
             return;
         }
         std::vector<uint8_t> bytes(length);
-        if (Query(record, [&](GError** e) { arv_gc_register_get(reg, bytes.data(), length, e); }))
+        if (Query(record, "value", [&](GError** e) { arv_gc_register_get(reg, bytes.data(), length, e); }))
             record["value"] = BytesToHex(bytes.data(), bytes.size());
     }
 }
