@@ -1,0 +1,49 @@
+#include "image/RgbSwap.h"
+
+#include "TestImages.h"
+
+namespace TALVIR::Pixel {
+namespace {
+
+TEST(SwapRedBlue, ExchangesTheFirstAndThirdByte) {
+  const std::vector<uint8_t> in = {10, 20, 30, 1, 2, 3};
+  std::vector<uint8_t> out(6);
+  ASSERT_TRUE(Reference::SwapRedBlue(in.data(), out.data(), 2, 1));
+  EXPECT_EQ(out, (std::vector<uint8_t>{30, 20, 10, 3, 2, 1}));
+  std::fill(out.begin(), out.end(), 0);
+  ASSERT_TRUE(SwapRedBlue(in.data(), out.data(), 1, 2));
+  EXPECT_EQ(out, (std::vector<uint8_t>{30, 20, 10, 3, 2, 1}));
+}
+
+TEST(SwapRedBlue, FailsForBadArguments) {
+  std::vector<uint8_t> buffer(12);
+  for (auto routine : {&Reference::SwapRedBlue, &SwapRedBlue}) {
+    EXPECT_FALSE(routine(nullptr, buffer.data(), 2, 2));
+    EXPECT_FALSE(routine(buffer.data(), nullptr, 2, 2));
+    EXPECT_FALSE(routine(buffer.data(), buffer.data(), 0, 2));
+    EXPECT_FALSE(routine(buffer.data(), buffer.data(), 2, 0));
+  }
+}
+
+TEST(SwapRedBlue, FastVersionsMatchTheReference) {
+  uint32_t seed = 400;
+  for (const auto& size : Testing::SizesToCheck()) {
+    const uint64_t bytes = uint64_t{size.width} * size.height * 3;
+    const auto in = Testing::RandomBytes(bytes, seed++);
+    auto expected = Testing::Prefilled(bytes);
+    ASSERT_TRUE(Reference::SwapRedBlue(in.data(), expected.data(), size.width, size.height));
+    auto dispatched = Testing::Prefilled(bytes);
+    ASSERT_TRUE(SwapRedBlue(in.data(), dispatched.data(), size.width, size.height));
+    EXPECT_EQ(dispatched, expected) << Testing::Describe(size);
+#if TALVIR_IMAGE_HAS_AVX2
+    if (Testing::HaveAvx2()) {
+      auto avx2 = Testing::Prefilled(bytes);
+      ASSERT_TRUE(Avx2::SwapRedBlue(in.data(), avx2.data(), size.width, size.height));
+      EXPECT_EQ(avx2, expected) << Testing::Describe(size);
+    }
+#endif
+  }
+}
+
+} // namespace
+} // namespace TALVIR::Pixel

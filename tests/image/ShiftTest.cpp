@@ -1,0 +1,77 @@
+#include "image/Shift.h"
+
+#include "TestImages.h"
+
+namespace TALVIR::Pixel {
+namespace {
+
+using Testing::SizesToCheck;
+
+std::vector<uint8_t> Samples(std::initializer_list<uint16_t> values) {
+  std::vector<uint8_t> bytes;
+  for (uint16_t v : values) {
+    bytes.push_back(static_cast<uint8_t>(v & 0xFF));
+    bytes.push_back(static_cast<uint8_t>(v >> 8));
+  }
+  return bytes;
+}
+
+TEST(ShiftTo8, KeepsTheTopEightOfTheDeclaredBits) {
+  const auto in = Samples({4095, 0, 16, 2048, 1023});
+  std::vector<uint8_t> out(5);
+  ASSERT_TRUE(Reference::ShiftTo8(in.data(), out.data(), 5, 1, 12));
+  EXPECT_EQ(out, (std::vector<uint8_t>{255, 0, 1, 128, 63}));
+  ASSERT_TRUE(Reference::ShiftTo8(in.data(), out.data(), 5, 1, 10));
+  EXPECT_EQ(out[4], 255);  // Mono10 1023
+}
+
+TEST(ShiftTo8, DataWiderThanDeclaredWrapsInsteadOfSaturating) {
+  const auto in = Samples({0x1000, 0xFFFF});
+  std::vector<uint8_t> out(2);
+  ASSERT_TRUE(Reference::ShiftTo8(in.data(), out.data(), 2, 1, 12));
+  EXPECT_EQ(out[0], 0x00);  // 4096 >> 4 = 256, low 8 bits 0
+  EXPECT_EQ(out[1], 0xFF);
+  ASSERT_TRUE(Reference::ShiftTo8(in.data(), out.data(), 2, 1, 10));
+  EXPECT_EQ(out[0], 0x00);  // 4096 >> 2 = 1024
+  EXPECT_EQ(out[1], 0xFF);
+  ASSERT_TRUE(Reference::ShiftTo8(in.data(), out.data(), 2, 1, 16));
+  EXPECT_EQ(out[0], 0x10);
+}
+
+TEST(ShiftTo8, FailsForBadArguments) {
+  std::vector<uint8_t> in(8);
+  std::vector<uint8_t> out(4);
+  for (auto routine : {&Reference::ShiftTo8, &ShiftTo8}) {
+    EXPECT_FALSE(routine(nullptr, out.data(), 2, 2, 12));
+    EXPECT_FALSE(routine(in.data(), nullptr, 2, 2, 12));
+    EXPECT_FALSE(routine(in.data(), out.data(), 0, 2, 12));
+    EXPECT_FALSE(routine(in.data(), out.data(), 2, 0, 12));
+    EXPECT_FALSE(routine(in.data(), out.data(), 2, 2, 8));
+    EXPECT_FALSE(routine(in.data(), out.data(), 2, 2, 17));
+  }
+}
+
+TEST(ShiftTo8, FastVersionsMatchTheReference) {
+  uint32_t seed = 1;
+  for (const auto& size : SizesToCheck()) {
+    for (uint32_t bits : {10u, 12u, 14u, 16u}) {
+      const uint64_t count = uint64_t{size.width} * size.height;
+      const auto in = Testing::RandomBytes(2 * count, seed++);
+      auto expected = Testing::Prefilled(count);
+      ASSERT_TRUE(Reference::ShiftTo8(in.data(), expected.data(), size.width, size.height, bits));
+      auto dispatched = Testing::Prefilled(count);
+      ASSERT_TRUE(ShiftTo8(in.data(), dispatched.data(), size.width, size.height, bits));
+      EXPECT_EQ(dispatched, expected) << Testing::Describe(size) << " bits " << bits;
+#if TALVIR_IMAGE_HAS_AVX2
+      if (Testing::HaveAvx2()) {
+        auto avx2 = Testing::Prefilled(count);
+        ASSERT_TRUE(Avx2::ShiftTo8(in.data(), avx2.data(), size.width, size.height, bits));
+        EXPECT_EQ(avx2, expected) << Testing::Describe(size) << " bits " << bits;
+      }
+#endif
+    }
+  }
+}
+
+} // namespace
+} // namespace TALVIR::Pixel
