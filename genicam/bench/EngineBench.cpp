@@ -1,0 +1,351 @@
+// Node-map engine benchmarks, each next to the comparison engine in the same run:
+//   Load/<engine>/<file>           loading every sample description file
+//   IntegerRead/<engine>/cached    an Integer over an IntReg, value served from the cache
+//   IntegerRead/<engine>/uncached  the same read forced to reach the register space
+//   ResidentMemory/<engine>        resident size added by loading the largest sample file (measured in a child process)
+// Run with --summary to print the ratios (ours / theirs) after the usual table.
+#include "AravisNodeMap.h"
+#include "DifferentialRun.h"
+#include "FileBytes.h"
+#include "InspectNodeMap.h"
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <map>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace TALVIR::Tools;
+
+namespace
+{
+const std::string kCorpus = std::string(TALVIR_SHARED_DIR) + "/genicam-xml";
+
+// An Integer whose value comes from a cached 4-byte big-endian IntReg: the shape of most camera features.
+const char* const kReadDescription = R"(<?xml version="1.0" encoding="utf-8"?>
+<RegisterDescription ModelName="Bench" VendorName="Talvir" ToolTip="" StandardNameSpace="None"
+    SchemaMajorVersion="1" SchemaMinorVersion="1" SchemaSubMinorVersion="0" MajorVersion="1" MinorVersion="0"
+    SubMinorVersion="0" ProductGuid="00000000-0000-0000-0000-000000000000"
+    VersionGuid="00000000-0000-0000-0000-000000000001"
+    xmlns="http://www.genicam.org/GenApi/Version_1_1">
+  <Integer Name="Gain">
+    <pValue>GainReg</pValue>
+    <Min>0</Min>
+    <Max>4294967295</Max>
+    <Inc>1</Inc>
+  </Integer>
+  <IntReg Name="GainReg">
+    <Address>0x1000</Address>
+    <Length>4</Length>
+    <AccessMode>RW</AccessMode>
+    <pPort>Device</pPort>
+    <Cachable>WriteThrough</Cachable>
+    <Sign>Unsigned</Sign>
+    <Endianess>BigEndian</Endianess>
+  </IntReg>
+  <Port Name="Device"/>
+</RegisterDescription>
+)";
+
+struct SCorpusFile
+{
+    std::string name;
+    std::string bytes;
+};
+
+const std::vector<SCorpusFile>& Corpus()
+{
+    static const std::vector<SCorpusFile> files = [] {
+        std::vector<SCorpusFile> loaded;
+        for (const std::string& path : DescriptionFiles(kCorpus))
+        {
+            SCorpusFile file{path.substr(path.rfind('/') + 1), {}};
+            if (ReadFileBytes(path, file.bytes))
+                loaded.push_back(std::move(file));
+        }
+        return loaded;
+    }();
+    return files;
+}
+
+const SCorpusFile* LargestFile()
+{
+    const auto& files = Corpus();
+    const auto it = std::max_element(files.begin(), files.end(), [](const SCorpusFile& a, const SCorpusFile& b) {
+        return a.bytes.size() < b.bytes.size();
+    });
+    return it == files.end() ? nullptr : &*it;
+}
+
+void LoadOurs(benchmark::State& state, const SCorpusFile* file)
+{
+    for (auto _ : state)
+    {
+        GenApi::CNodeMapRef nodeMap;
+        nodeMap._LoadXMLFromString(file->bytes);
+        benchmark::DoNotOptimize(nodeMap._Ptr);
+    }
+    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * file->bytes.size()));
+}
+
+void LoadTheirs(benchmark::State& state, const SCorpusFile* file)
+{
+    CSparseRegisterSpace registers;
+    for (auto _ : state)
+    {
+        CAravisNodeMap nodeMap(registers);
+        if (!nodeMap.Load(file->bytes))
+        {
+            state.SkipWithError("the comparison engine cannot load the file");
+            break;
+        }
+        benchmark::DoNotOptimize(nodeMap.Gc());
+    }
+    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * file->bytes.size()));
+}
+
+void ReadOurs(benchmark::State& state, bool ignoreCache)
+{
+    CSparseRegisterSpace registers(1);
+    CInspectNodeMap nodeMap(registers);
+    nodeMap.Load(kReadDescription);
+    GenApi::CIntegerPtr gain(nodeMap.NodeMap()._GetNode("Gain"));
+    if (!gain.IsValid())
+    {
+        state.SkipWithError("no Gain node");
+        return;
+    }
+    gain->GetValue(); // fills the cache
+    const uint64_t readsBefore = registers.ReadCount();
+    for (auto _ : state)
+        benchmark::DoNotOptimize(gain->GetValue(false, ignoreCache));
+    state.counters["port_reads_per_read"] =
+        static_cast<double>(registers.ReadCount() - readsBefore) / static_cast<double>(state.iterations());
+}
+
+void ReadTheirs(benchmark::State& state, bool cache)
+{
+    CSparseRegisterSpace registers(1);
+    CAravisNodeMap nodeMap(registers);
+    if (!nodeMap.Load(kReadDescription))
+    {
+        state.SkipWithError("the comparison engine cannot load the description");
+        return;
+    }
+    nodeMap.SetRegisterCache(cache);
+    int64_t value = 0;
+    nodeMap.ReadInteger("Gain", value);
+    const uint64_t readsBefore = registers.ReadCount();
+    for (auto _ : state)
+    {
+        nodeMap.ReadInteger("Gain", value);
+        benchmark::DoNotOptimize(value);
+    }
+    state.counters["port_reads_per_read"] =
+        static_cast<double>(registers.ReadCount() - readsBefore) / static_cast<double>(state.iterations());
+}
+
+long ResidentKilobytes()
+{
+    std::ifstream status("/proc/self/status");
+    std::string line;
+    while (std::getline(status, line))
+        if (line.compare(0, 6, "VmRSS:") == 0)
+            return std::stol(line.substr(6));
+    return -1;
+}
+
+// Loads in a child process, so that neither engine's allocations nor the other's freed memory blur the figure.
+template <typename TLoad>
+long ResidentGrowthInChild(TLoad&& load)
+{
+    int pipeEnds[2];
+    if (pipe(pipeEnds) != 0)
+        return -1;
+    const pid_t child = fork();
+    if (child == 0)
+    {
+        close(pipeEnds[0]);
+        const long before = ResidentKilobytes();
+        long growth = -1;
+        if (load())
+            growth = ResidentKilobytes() - before;
+        const ssize_t written = write(pipeEnds[1], &growth, sizeof growth);
+        _exit(written == sizeof growth ? 0 : 1);
+    }
+    close(pipeEnds[1]);
+    long growth = -1;
+    if (child < 0 || read(pipeEnds[0], &growth, sizeof growth) != sizeof growth)
+        growth = -1;
+    close(pipeEnds[0]);
+    if (child > 0)
+        waitpid(child, nullptr, 0);
+    return growth;
+}
+
+void MemoryOurs(benchmark::State& state, const SCorpusFile* file)
+{
+    long growth = -1;
+    for (auto _ : state)
+        growth = ResidentGrowthInChild([file] {
+            static CSparseRegisterSpace registers;
+            static CInspectNodeMap nodeMap(registers); // stays loaded while the child measures
+            try
+            {
+                nodeMap.Load(file->bytes);
+                return true;
+            }
+            catch (...)
+            {
+                return false;
+            }
+        });
+    if (growth < 0)
+        state.SkipWithError("measurement failed");
+    state.counters["resident_kB"] = static_cast<double>(growth);
+    state.counters["file_kB"] = static_cast<double>(file->bytes.size()) / 1024.0;
+}
+
+void MemoryTheirs(benchmark::State& state, const SCorpusFile* file)
+{
+    long growth = -1;
+    for (auto _ : state)
+        growth = ResidentGrowthInChild([file] {
+            static CSparseRegisterSpace registers;
+            static CAravisNodeMap nodeMap(registers);
+            return nodeMap.Load(file->bytes);
+        });
+    if (growth < 0)
+        state.SkipWithError("measurement failed");
+    state.counters["resident_kB"] = static_cast<double>(growth);
+    state.counters["file_kB"] = static_cast<double>(file->bytes.size()) / 1024.0;
+}
+
+void RegisterAll()
+{
+    for (const SCorpusFile& file : Corpus())
+    {
+        benchmark::RegisterBenchmark(("Load/ours/" + file.name).c_str(), LoadOurs, &file)
+            ->Unit(benchmark::kMicrosecond)
+            ->MinTime(0.2);
+        benchmark::RegisterBenchmark(("Load/theirs/" + file.name).c_str(), LoadTheirs, &file)
+            ->Unit(benchmark::kMicrosecond)
+            ->MinTime(0.2);
+    }
+    benchmark::RegisterBenchmark("IntegerRead/ours/cached", ReadOurs, false);
+    benchmark::RegisterBenchmark("IntegerRead/theirs/cached", ReadTheirs, true);
+    benchmark::RegisterBenchmark("IntegerRead/ours/uncached", ReadOurs, true);
+    benchmark::RegisterBenchmark("IntegerRead/theirs/uncached", ReadTheirs, false);
+    if (const SCorpusFile* largest = LargestFile())
+    {
+        benchmark::RegisterBenchmark("ResidentMemory/ours", MemoryOurs, largest)->Iterations(1);
+        benchmark::RegisterBenchmark("ResidentMemory/theirs", MemoryTheirs, largest)->Iterations(1);
+    }
+}
+
+// Keeps every run's time per iteration (nanoseconds) and counters for the summary.
+class CSummaryReporter : public benchmark::ConsoleReporter
+{
+public:
+    void ReportRuns(const std::vector<Run>& runs) override
+    {
+        ConsoleReporter::ReportRuns(runs);
+        for (const Run& run : runs)
+        {
+            if (run.error_occurred || run.run_type != Run::RT_Iteration)
+                continue;
+            const std::string name = run.benchmark_name();
+            m_Nanoseconds[name] = run.GetAdjustedRealTime() * 1e9 / benchmark::GetTimeUnitMultiplier(run.time_unit);
+            for (const auto& [counter, value] : run.counters)
+                m_Counters[name + ":" + counter] = value.value;
+        }
+    }
+
+    void PrintSummary(std::ostream& out) const
+    {
+        out << "\nSummary (ratio = ours / theirs; smaller is better)\n";
+        std::vector<double> loadRatios;
+        for (const SCorpusFile& file : Corpus())
+        {
+            const double ours = Find("Load/ours/" + file.name);
+            const double theirs = Find("Load/theirs/" + file.name);
+            if (ours > 0 && theirs > 0)
+                loadRatios.push_back(ours / theirs);
+        }
+        if (!loadRatios.empty())
+        {
+            std::sort(loadRatios.begin(), loadRatios.end());
+            const size_t n = loadRatios.size();
+            const double median = n % 2 ? loadRatios[n / 2] : (loadRatios[n / 2 - 1] + loadRatios[n / 2]) / 2;
+            out << "load, median ratio over " << n << " files: " << median << " (goal <= 0.333)\n";
+        }
+        if (const SCorpusFile* largest = LargestFile())
+        {
+            const double ours = Find("Load/ours/" + largest->name);
+            const double theirs = Find("Load/theirs/" + largest->name);
+            out << "load, largest file " << largest->name << " (" << largest->bytes.size() << " bytes): ours "
+                << ours / 1e6 << " ms, theirs " << theirs / 1e6 << " ms, ratio " << Ratio(ours, theirs)
+                << " (goal <= 0.333)\n";
+        }
+        const double cachedOurs = Find("IntegerRead/ours/cached");
+        const double cachedTheirs = Find("IntegerRead/theirs/cached");
+        out << "cached Integer(IntReg) read: ours " << cachedOurs << " ns, theirs " << cachedTheirs << " ns, ratio "
+            << Ratio(cachedOurs, cachedTheirs) << " (goal <= 200 ns and <= 0.1)\n";
+        const double uncachedOurs = Find("IntegerRead/ours/uncached");
+        const double uncachedTheirs = Find("IntegerRead/theirs/uncached");
+        out << "uncached Integer(IntReg) read: ours " << uncachedOurs << " ns, theirs " << uncachedTheirs
+            << " ns, ratio " << Ratio(uncachedOurs, uncachedTheirs) << " (goal <= 0.5)\n";
+        const double memoryOurs = Counter("ResidentMemory/ours/iterations:1:resident_kB");
+        const double memoryTheirs = Counter("ResidentMemory/theirs/iterations:1:resident_kB");
+        out << "resident memory after loading the largest file: ours " << memoryOurs << " kB, theirs "
+            << memoryTheirs << " kB, ratio " << Ratio(memoryOurs, memoryTheirs) << "\n";
+    }
+
+private:
+    static double Ratio(double a, double b) { return a > 0 && b > 0 ? a / b : -1; }
+    double Find(const std::string& name) const
+    {
+        const auto it = m_Nanoseconds.find(name);
+        return it == m_Nanoseconds.end() ? -1 : it->second;
+    }
+    double Counter(const std::string& key) const
+    {
+        const auto it = m_Counters.find(key);
+        return it == m_Counters.end() ? -1 : it->second;
+    }
+
+    std::map<std::string, double> m_Nanoseconds;
+    std::map<std::string, double> m_Counters;
+};
+} // namespace
+
+int main(int argc, char** argv)
+{
+    bool summary = false;
+    std::vector<char*> args;
+    for (int i = 0; i < argc; ++i)
+    {
+        if (std::strcmp(argv[i], "--summary") == 0)
+            summary = true;
+        else
+            args.push_back(argv[i]);
+    }
+    int count = static_cast<int>(args.size());
+    benchmark::Initialize(&count, args.data());
+    if (benchmark::ReportUnrecognizedArguments(count, args.data()))
+        return 1;
+    if (Corpus().empty())
+        std::cerr << "note: no sample description files in " << kCorpus << "; only the read benchmarks run\n";
+    RegisterAll();
+    CSummaryReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    if (summary)
+        reporter.PrintSummary(std::cout);
+    benchmark::Shutdown();
+    return 0;
+}
