@@ -1,0 +1,278 @@
+// The description loader. Three passes over the parsed document: create every node (so that references can point
+// forward), configure each node from its elements, finish (compile formulas, defaults). Then the graph is checked
+// for reference cycles and registers sharing an address are grouped for invalidation.
+#include "load/Loader.h"
+
+#include <algorithm>
+#include <cstring>
+#include <map>
+#include <unordered_map>
+
+#include <pugixml.hpp>
+
+#include <GCBase/GCException.h>
+
+#include "load/LoadContext.h"
+#include "load/NumberParsing.h"
+#include "nodes/EnumerationNodes.h"
+#include "nodes/FormulaNodes.h"
+#include "nodes/NodeMap.h"
+#include "nodes/RegisterNodes.h"
+#include "nodes/ValueNodes.h"
+
+namespace GenApi {
+namespace Engine {
+
+namespace {
+
+enum class EKind {
+  Unknown, Group, Integer, IntReg, MaskedIntReg, Float, FloatReg, Boolean, Command, Enumeration, String, StringReg,
+  Register, StructReg, SwissKnife, IntSwissKnife, Converter, IntConverter, Category, Port, Plain
+};
+
+EKind KindOf(const char* name) {
+  static const std::unordered_map<std::string_view, EKind> kKinds = {
+      {"Group", EKind::Group},           {"Integer", EKind::Integer},         {"IntReg", EKind::IntReg},
+      {"MaskedIntReg", EKind::MaskedIntReg}, {"Float", EKind::Float},         {"FloatReg", EKind::FloatReg},
+      {"Boolean", EKind::Boolean},       {"Command", EKind::Command},         {"Enumeration", EKind::Enumeration},
+      {"String", EKind::String},         {"StringReg", EKind::StringReg},     {"Register", EKind::Register},
+      {"StructReg", EKind::StructReg},   {"SwissKnife", EKind::SwissKnife},   {"IntSwissKnife", EKind::IntSwissKnife},
+      {"Converter", EKind::Converter},   {"IntConverter", EKind::IntConverter}, {"Category", EKind::Category},
+      {"Port", EKind::Port},             {"ConfRom", EKind::Plain},           {"TextDesc", EKind::Plain},
+      {"IntKey", EKind::Plain},          {"AdvFeatureLock", EKind::Plain},    {"SmartFeature", EKind::Plain},
+      {"Node", EKind::Plain}};
+  const auto it = kKinds.find(std::string_view(name));
+  return it == kKinds.end() ? EKind::Unknown : it->second;
+}
+
+std::unique_ptr<CNode> MakeNode(EKind kind, CNodeMapImpl& map, std::string name) {
+  switch (kind) {
+    case EKind::Integer: return std::make_unique<CIntegerNode>(map, std::move(name));
+    case EKind::IntReg: return std::make_unique<CIntRegNode>(map, std::move(name), false);
+    case EKind::MaskedIntReg: return std::make_unique<CIntRegNode>(map, std::move(name), true);
+    case EKind::Float: return std::make_unique<CFloatNode>(map, std::move(name));
+    case EKind::FloatReg: return std::make_unique<CFloatRegNode>(map, std::move(name));
+    case EKind::Boolean: return std::make_unique<CBooleanNode>(map, std::move(name));
+    case EKind::Command: return std::make_unique<CCommandNode>(map, std::move(name));
+    case EKind::Enumeration: return std::make_unique<CEnumerationNode>(map, std::move(name));
+    case EKind::String: return std::make_unique<CStringNode>(map, std::move(name));
+    case EKind::StringReg: return std::make_unique<CStringRegNode>(map, std::move(name));
+    case EKind::Register: return std::make_unique<CRawRegisterNode>(map, std::move(name));
+    case EKind::SwissKnife: return std::make_unique<CSwissKnifeNode>(map, std::move(name));
+    case EKind::IntSwissKnife: return std::make_unique<CIntSwissKnifeNode>(map, std::move(name));
+    case EKind::Converter: return std::make_unique<CConverterNode>(map, std::move(name));
+    case EKind::IntConverter: return std::make_unique<CIntConverterNode>(map, std::move(name));
+    case EKind::Category: return std::make_unique<CCategoryNode>(map, std::move(name));
+    case EKind::Port: return std::make_unique<CPortNode>(map, std::move(name));
+    case EKind::Plain: return std::make_unique<CPlainNode>(map, std::move(name));
+    default: return nullptr;
+  }
+}
+
+struct CPending {
+  CNode* node;
+  pugi::xml_node element;
+  pugi::xml_node shared;  // StructReg entries: the StructReg element, configured first
+};
+
+constexpr int kMaxGroupNesting = 64;
+
+class CLoader {
+public:
+  CLoader(CNodeMapImpl& map, CLoadContext& context) : m_map(map), m_context(context) {}
+
+  void CreateNodes(const pugi::xml_node& parent, int nesting) {
+    if (nesting > kMaxGroupNesting) m_context.Fail(nullptr, parent, "groups nested too deeply");
+    for (pugi::xml_node child = parent.first_child(); child; child = child.next_sibling()) {
+      if (child.type() != pugi::node_element) continue;
+      const EKind kind = KindOf(child.name());
+      if (kind == EKind::Unknown) continue;
+      if (kind == EKind::Group) {
+        CreateNodes(child, nesting + 1);
+        continue;
+      }
+      if (kind == EKind::StructReg) {
+        for (pugi::xml_node entry = child.child("StructEntry"); entry; entry = entry.next_sibling("StructEntry")) {
+          CNode* node = Add(std::make_unique<CIntRegNode>(m_map, NodeName(entry), true), entry);
+          m_pending.push_back({node, entry, child});
+        }
+        continue;
+      }
+      const std::string name = NodeName(child);
+      CNode* node = Add(MakeNode(kind, m_map, name), child);
+      m_pending.push_back({node, child, pugi::xml_node()});
+      if (kind == EKind::Enumeration) {
+        auto* enumeration = static_cast<CEnumerationNode*>(node);
+        for (pugi::xml_node entry = child.child("EnumEntry"); entry; entry = entry.next_sibling("EnumEntry")) {
+          const std::string symbolic = NodeName(entry);
+          auto entryNode = std::make_unique<CEnumEntryNode>(m_map, "EnumEntry_" + name + "_" + symbolic, symbolic);
+          auto* raw = static_cast<CEnumEntryNode*>(Add(std::move(entryNode), entry));
+          enumeration->AddEntry(raw);
+          m_pending.push_back({raw, entry, pugi::xml_node()});
+        }
+      }
+    }
+  }
+
+  void Configure() {
+    for (const CPending& pending : m_pending) {
+      if (pending.shared) pending.node->Configure(m_context, pending.shared);
+      pending.node->Configure(m_context, pending.element);
+    }
+  }
+
+  void Finish() {
+    auto& all = m_map.AllNodes();
+    for (size_t i = 0; i < all.size(); ++i) all[i]->FinishLoading(m_context);
+  }
+
+private:
+  std::string NodeName(const pugi::xml_node& element) {
+    const std::string_view name = TrimSpaces(element.attribute("Name").value());
+    if (name.empty()) m_context.Fail(nullptr, element, "node without Name attribute");
+    return std::string(name);
+  }
+
+  CNode* Add(std::unique_ptr<CNode> node, const pugi::xml_node& element) {
+    CNode* raw = node.get();
+    if (!m_map.AddNode(std::move(node), true)) m_context.Fail(raw, element, "duplicate node name");
+    return raw;
+  }
+
+  CNodeMapImpl& m_map;
+  CLoadContext& m_context;
+  std::vector<CPending> m_pending;
+};
+
+// Marks every node reachable from the Root category as a feature.
+void MarkFeatures(CNodeMapImpl& map) {
+  auto* root = dynamic_cast<CCategoryNode*>(map.Find("Root"));
+  if (root == nullptr) return;
+  std::vector<CNode*> stack{root};
+  root->m_isFeature = true;
+  while (!stack.empty()) {
+    CNode* node = stack.back();
+    stack.pop_back();
+    auto* category = dynamic_cast<CCategoryNode*>(node);
+    if (category == nullptr) continue;
+    for (CNode* feature : category->Features()) {
+      if (feature->m_isFeature) continue;
+      feature->m_isFeature = true;
+      stack.push_back(feature);
+    }
+  }
+}
+
+// Depth-first search without recursion; a grey node reached again closes a cycle.
+void CheckCycles(CNodeMapImpl& map) {
+  auto& all = map.AllNodes();
+  std::unordered_map<const CNode*, uint8_t> colour;
+  colour.reserve(all.size() * 2);
+  struct CFrame {
+    CNode* node;
+    size_t next;
+  };
+  std::vector<CFrame> stack;
+  for (auto& owned : all) {
+    CNode* start = owned.get();
+    if (colour[start] != 0) continue;
+    stack.push_back({start, 0});
+    colour[start] = 1;
+    while (!stack.empty()) {
+      CFrame& frame = stack.back();
+      if (frame.next >= frame.node->m_readingChildren.size()) {
+        colour[frame.node] = 2;
+        stack.pop_back();
+        continue;
+      }
+      CNode* child = frame.node->m_readingChildren[frame.next++];
+      const uint8_t state = colour[child];
+      if (state == 0) {
+        colour[child] = 1;
+        stack.push_back({child, 0});
+      } else if (state == 1) {
+        std::string path;
+        bool inCycle = false;
+        for (const CFrame& f : stack) {
+          inCycle = inCycle || f.node == child;
+          if (inCycle && path.size() < 2000) path += f.node->Name() + " -> ";
+        }
+        path += child->Name();
+        throw RUNTIME_EXCEPTION("Reference cycle: %s", path.c_str());
+      }
+    }
+  }
+}
+
+// Registers at the same fixed address of the same port see each other's writes.
+void GroupRegisters(CNodeMapImpl& map) {
+  std::map<std::pair<const CPortNode*, int64_t>, std::vector<CNode*>> byAddress;
+  for (auto& owned : map.AllNodes()) {
+    auto* reg = dynamic_cast<CRegisterBase*>(owned.get());
+    if (reg == nullptr || !reg->Core().HasFixedAddress() || reg->Core().Port() == nullptr) continue;
+    byAddress[{reg->Core().Port(), reg->Core().FixedAddress()}].push_back(reg);
+  }
+  for (auto& entry : byAddress) {
+    if (entry.second.size() < 2) continue;
+    map.AddressGroups().push_back(std::make_unique<std::vector<CNode*>>(std::move(entry.second)));
+    std::vector<CNode*>* group = map.AddressGroups().back().get();
+    for (CNode* node : *group) node->m_pAddressGroup = group;
+  }
+}
+
+void ReadRootAttributes(CNodeMapImpl& map, const pugi::xml_node& root) {
+  map.m_modelName = root.attribute("ModelName").value();
+  map.m_vendorName = root.attribute("VendorName").value();
+  map.m_toolTip = root.attribute("ToolTip").value();
+  const std::string_view nameSpace = root.attribute("StandardNameSpace").value();
+  if (nameSpace == "GEV") map.m_standardNameSpace = GEV;
+  else if (nameSpace == "IIDC") map.m_standardNameSpace = IIDC;
+  else if (nameSpace == "CL") map.m_standardNameSpace = CL;
+  else if (nameSpace == "USB") map.m_standardNameSpace = USB;
+  else map.m_standardNameSpace = None;
+  const char* const schema[3] = {"SchemaMajorVersion", "SchemaMinorVersion", "SchemaSubMinorVersion"};
+  const char* const device[3] = {"MajorVersion", "MinorVersion", "SubMinorVersion"};
+  for (int i = 0; i < 3; ++i) {
+    ParseInteger(root.attribute(schema[i]).value(), map.m_schemaVersion[i]);
+    ParseInteger(root.attribute(device[i]).value(), map.m_deviceVersion[i]);
+  }
+}
+
+}  // namespace
+
+std::unique_ptr<CNodeMapImpl> LoadNodeMap(const char* text, size_t size, const std::string& deviceName) {
+  pugi::xml_document document;
+  const pugi::xml_parse_result parsed =
+      document.load_buffer(text, size, pugi::parse_cdata | pugi::parse_escapes, pugi::encoding_auto);
+  const std::string_view view(text, size);
+  if (!parsed) {
+    const size_t offset = parsed.offset > 0 ? std::min(static_cast<size_t>(parsed.offset), size) : 0;
+    const size_t line = 1 + static_cast<size_t>(std::count(view.begin(), view.begin() + offset, '\n'));
+    const size_t lineStart = view.rfind('\n', offset == 0 ? 0 : offset - 1);
+    const size_t column = offset - (lineStart == std::string_view::npos ? 0 : lineStart + 1) + 1;
+    throw RUNTIME_EXCEPTION("XML parse error at line %zu, column %zu: %s", line, column, parsed.description());
+  }
+  const pugi::xml_node root = document.document_element();
+  if (std::strcmp(root.name(), "RegisterDescription") != 0) {
+    throw RUNTIME_EXCEPTION("Not a device description: the root element is <%s>, not <RegisterDescription>",
+                            root.name());
+  }
+  auto map = std::make_unique<CNodeMapImpl>(deviceName);
+  ReadRootAttributes(*map, root);
+  CLoadContext context(*map, view);
+  CLoader loader(*map, context);
+  loader.CreateNodes(root, 0);
+  loader.Configure();
+  loader.Finish();
+  CheckCycles(*map);
+  MarkFeatures(*map);
+  GroupRegisters(*map);
+  for (auto& owned : map->AllNodes()) {
+    auto* port = dynamic_cast<CPortNode*>(owned.get());
+    if (port != nullptr && port->IsChunkPort()) map->ChunkPorts().push_back(port);
+  }
+  return map;
+}
+
+}  // namespace Engine
+}  // namespace GenApi

@@ -1,0 +1,159 @@
+// CNodeMapImpl: node ownership, lookup, connection of ports, change propagation, polling, locking.
+#include "nodes/NodeMap.h"
+
+#include "formula/Formula.h"
+#include "nodes/ValueNodes.h"
+
+namespace GenApi {
+namespace Engine {
+
+CNodeMapImpl::CNodeMapImpl(std::string deviceName) : m_deviceName(std::move(deviceName)) {}
+
+CNodeMapImpl::~CNodeMapImpl() = default;
+
+void CNodeMapImpl::Enter() const {
+  m_lock.Lock();
+  ++m_entryDepth;
+}
+
+void CNodeMapImpl::Leave() const {
+  if (--m_entryDepth == 0 && !m_pendingOutside.empty()) {
+    std::vector<CNodeCallback*> pending;
+    pending.swap(m_pendingOutside);
+    m_lock.Unlock();
+    for (CNodeCallback* callback : pending) {
+      try {
+        (*callback)(cbPostOutsideLock);
+      } catch (...) {
+        // A failing application callback must not break the access that triggered it.
+      }
+    }
+    return;
+  }
+  m_lock.Unlock();
+}
+
+void CNodeMapImpl::GetNodes(NodeList_t& Nodes) const {
+  CEntryGuard guard(*this);
+  Nodes.assign(m_named.begin(), m_named.end());
+}
+
+INode* CNodeMapImpl::GetNode(const gcstring& Name) const {
+  CEntryGuard guard(*this);
+  return Find(Name);
+}
+
+CNode* CNodeMapImpl::Find(std::string_view name) const {
+  const auto it = m_index.find(name);
+  return it == m_index.end() ? nullptr : it->second;
+}
+
+bool CNodeMapImpl::AddNode(std::unique_ptr<CNode> node, bool named) {
+  CNode* raw = node.get();
+  if (named) {
+    if (!m_index.emplace(std::string_view(raw->Name()), raw).second) return false;
+    m_named.push_back(raw);
+  }
+  m_all.push_back(std::move(node));
+  return true;
+}
+
+void CNodeMapImpl::InvalidateNodes() const {
+  CEntryGuard guard(*this);
+  std::vector<CNode*> withCallbacks;
+  for (const auto& node : m_all) {
+    node->DropCache();
+    if (!node->m_callbacks.empty()) withCallbacks.push_back(node.get());
+  }
+  Notify(withCallbacks);
+}
+
+bool CNodeMapImpl::Connect(IPort* pPort, const gcstring& PortName) const {
+  CEntryGuard guard(*this);
+  auto* port = dynamic_cast<CPortNode*>(Find(PortName));
+  if (port == nullptr) return false;
+  port->ConnectPort(pPort);
+  if (auto* construct = dynamic_cast<IPortConstruct*>(pPort)) construct->SetPortImpl(port);
+  const_cast<CNodeMapImpl*>(this)->PropagateChange(port, true);
+  return true;
+}
+
+bool CNodeMapImpl::Connect(IPort* pPort) const { return Connect(pPort, "Device"); }
+
+void CNodeMapImpl::Poll(int64_t ElapsedTime) {
+  CEntryGuard guard(*this);
+  for (const auto& node : m_all) {
+    const int64_t period = node->GetPollingTime();
+    if (period <= 0) continue;
+    node->m_pollElapsed += ElapsedTime;
+    if (node->m_pollElapsed >= period) {
+      node->m_pollElapsed = 0;
+      PropagateChange(node.get(), true);
+    }
+  }
+}
+
+bool CNodeMapImpl::ParseSwissKnife(const gcstring& Expression) const { return CFormulaSet::CheckSyntax(Expression, true); }
+
+void CNodeMapImpl::GetSchemaVersion(int64_t& Major, int64_t& Minor, int64_t& SubMinor) const {
+  Major = m_schemaVersion[0];
+  Minor = m_schemaVersion[1];
+  SubMinor = m_schemaVersion[2];
+}
+
+void CNodeMapImpl::GetDeviceVersion(int64_t& Major, int64_t& Minor, int64_t& SubMinor) const {
+  Major = m_deviceVersion[0];
+  Minor = m_deviceVersion[1];
+  SubMinor = m_deviceVersion[2];
+}
+
+void CNodeMapImpl::PropagateChange(CNode* origin, bool dropOrigin) {
+  if (++m_epoch == 0) {
+    for (const auto& node : m_all) node->m_visitEpoch = 0;
+    m_epoch = 1;
+  }
+  m_queue.clear();
+  m_queue.push_back(origin);
+  origin->m_visitEpoch = m_epoch;
+  std::vector<CNode*> withCallbacks;
+  auto visit = [this](CNode* node) {
+    if (node->m_visitEpoch != m_epoch) {
+      node->m_visitEpoch = m_epoch;
+      m_queue.push_back(node);
+    }
+  };
+  for (size_t i = 0; i < m_queue.size(); ++i) {
+    CNode* node = m_queue[i];
+    if (node != origin || dropOrigin) node->DropCache();
+    if (m_callbackCount > 0 && !node->m_callbacks.empty()) withCallbacks.push_back(node);
+    for (CNode* dependent : node->m_dependents) visit(dependent);
+    for (CNode* invalidated : node->m_invalidates) visit(invalidated);
+    if (node->m_pAddressGroup != nullptr) {
+      for (CNode* sibling : *node->m_pAddressGroup) visit(sibling);
+    }
+  }
+  if (!withCallbacks.empty()) Notify(withCallbacks);
+}
+
+void CNodeMapImpl::Notify(std::vector<CNode*>& nodes) const {
+  std::vector<CNodeCallback*> inside;
+  for (CNode* node : nodes) {
+    for (CNodeCallback* callback : node->m_callbacks) {
+      if (callback->GetCallbackType() == cbPostOutsideLock) {
+        m_pendingOutside.push_back(callback);
+      } else {
+        inside.push_back(callback);
+      }
+    }
+  }
+  for (CNodeCallback* callback : inside) {
+    try {
+      (*callback)(cbPostInsideLock);
+    } catch (...) {
+      // A failing application callback must not break the access that triggered it.
+    }
+  }
+}
+
+}  // namespace Engine
+}  // namespace GenApi
