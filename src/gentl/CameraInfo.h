@@ -2,6 +2,7 @@
 // The library's device record: what a producer reports about one device, and where the device was found.
 #include "gentl/Ref.h"
 
+#include <talvir/CustomInfo.h>
 #include <talvir/ICameraInfo.h>
 
 #include <cstdint>
@@ -13,30 +14,6 @@ namespace TALVIR {
 class CCti;
 class IGenTLModule;
 
-// Custom information item numbers (GetCustomInfo). GigE items come from the GigE device record, the others are the
-// texts of producer-specific device information commands.
-namespace CustomInfo {
-constexpr uint32_t GevIPAddress = 1;
-constexpr uint32_t GevMACAddress = 2;
-constexpr uint32_t GevAddress3 = 3;
-constexpr uint32_t GevAddress4 = 4;
-constexpr uint32_t GevText5 = 5;
-constexpr uint32_t GevAddress6 = 6;
-constexpr uint32_t GevAddress7 = 7;
-constexpr uint32_t U3VDeviceIDTail = 8;
-constexpr uint32_t U3VInfo1102 = 9;
-constexpr uint32_t U3VInfo1101 = 10;
-constexpr uint32_t U3VInfo1100 = 11;
-constexpr uint32_t CLInfo1201 = 21;
-constexpr uint32_t CLInfo1202 = 22;
-constexpr uint32_t CLInfo1203 = 23;
-constexpr uint32_t CLInfo1205 = 25;
-constexpr uint32_t CLInfo1207 = 27;
-constexpr uint32_t CLProtocolDescriptor = 28;
-constexpr uint32_t CLGrabberSerialPort = 29;
-constexpr uint32_t CLInfo1230 = 30;
-constexpr uint32_t CLInfo1231 = 31;
-} // namespace CustomInfo
 
 class CCameraInfo final : public ICameraInfo, public CRef {
 public:

@@ -169,6 +169,7 @@ bool CCti::EnumDevices(std::list<CCameraInfo*>& out) {
       id[idSize] = '\0';
       auto* record = new CCameraInfo(this, interfaceModule.get());
       record->m_deviceID = TextOf(id.data(), id.size());
+      record->m_customInfo[CustomInfo::ProducerFile] = m_fileName;
       out.push_back(record);
       FillCameraInfo(*record, record->m_deviceID);
     }

@@ -192,6 +192,7 @@ TEST_F(CtiTest, DiscoverListsDevicesOfEveryInterfaceInOrder) {
   EXPECT_EQ(first->Producer(), &cti);
   EXPECT_EQ(first->Interface(), cti.Interface(0));
   EXPECT_EQ(dynamic_cast<CCameraInfo*>(records.back())->Interface(), cti.Interface(1));
+  EXPECT_STREQ(first->GetCustomInfo(CustomInfo::ProducerFile), "TalvirFake.cti");
   // One reference for the cache, one for the caller.
   EXPECT_EQ(first->ReferenceCount(), 2u);
   GiveBack(records);

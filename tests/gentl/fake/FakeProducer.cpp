@@ -128,6 +128,7 @@ GC_API_EXPORT GC_ERROR GC_CALLTYPE GCWritePort(PORT_HANDLE hPort, uint64_t iAddr
 
 GC_API_EXPORT GC_ERROR GC_CALLTYPE GCGetPortURL(PORT_HANDLE hPort, char* sURL, size_t* piSize) {
   std::lock_guard<std::recursive_mutex> lock(State().mutex);
+  Log("GCGetPortURL");
   const auto found = State().ports.find(hPort);
   if (found == State().ports.end() || found->second.failURL) {
     return GC_ERR_NOT_AVAILABLE;

@@ -1,0 +1,81 @@
+#pragma once
+// The real library, loaded from a temporary folder that a test fills with producer files and a configuration, so
+// that "beside the library" means that folder. The library file is copied, not linked: the loader recognises an
+// already loaded file by its identity, and a library that cannot be unloaded (it holds unique symbols) would
+// otherwise be handed back with its first folder. The exported functions are reached by their mangled names, as
+// an application's loader would.
+#include "../platform/TempDirectory.h"
+
+#include "platform/DynamicModule.h"
+
+#include <talvir/Talvir.h>
+
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+
+namespace TALVIR::Testing {
+
+class CLibraryUnderTest {
+public:
+  CLibraryUnderTest() {
+    std::filesystem::copy_file(std::filesystem::path(TALVIR_BIN_DIR) / "libTalvir.so", m_folder.Path() / "libTalvir.so");
+  }
+  ~CLibraryUnderTest() {
+    if (m_module.IsLoaded() && UnInit != nullptr) {
+      UnInit();
+    }
+  }
+  CLibraryUnderTest(const CLibraryUnderTest&) = delete;
+  CLibraryUnderTest& operator=(const CLibraryUnderTest&) = delete;
+
+  // A copy of build/bin/<name> (a producer) under `as` (default: the same name).
+  void CopyFromBin(const std::string& name, const std::string& as = "") const {
+    std::filesystem::copy_file(std::filesystem::path(TALVIR_BIN_DIR) / name, m_folder.Path() / (as.empty() ? name : as));
+  }
+  // A symbolic link to any file, for producers whose state the test shares (the loader sees the linked file).
+  void Link(const std::string& target, const std::string& as) const {
+    std::filesystem::create_symlink(target, m_folder.Path() / as);
+  }
+  void WriteFile(const std::string& name, const std::string& content) const { m_folder.WriteFile(name, content); }
+  void WriteConfig(const std::string& ctiNames) const {
+    m_folder.WriteFile("DiscoveryCfg.ini", "[User]\nCtiNames=" + ctiNames + "\n");
+  }
+  std::string Directory() const { return m_folder.Path().string() + "/"; }
+
+  // Loads the library and binds the entry points; call after laying out the folder.
+  void Load() {
+    m_module = Platform::CDynamicModule(Directory() + "libTalvir.so");
+    if (!m_module.IsLoaded()) {
+      throw std::runtime_error("libTalvir.so not loadable: " + Platform::LastModuleError());
+    }
+    Init = Bind<decltype(&TALVIR::Init)>("_ZN6TALVIR4InitEv");
+    UnInit = Bind<decltype(&TALVIR::UnInit)>("_ZN6TALVIR6UnInitEv");
+    // Functions returning std::list carry the library ABI tag in their names.
+    Discovery = Bind<decltype(&TALVIR::Discovery)>("_ZN6TALVIR9DiscoveryB5cxx11EPKc");
+    DiscoveryByTLType = Bind<decltype(&TALVIR::DiscoveryByTLType)>("_ZN6TALVIR17DiscoveryByTLTypeB5cxx11Em");
+    CreateCamera = Bind<decltype(&TALVIR::CreateCamera)>("_ZN6TALVIR12CreateCameraEPNS_11ICameraInfoE");
+    CreateCameraBySN = Bind<decltype(&TALVIR::CreateCameraBySN)>("_ZN6TALVIR16CreateCameraBySNEPKc");
+  }
+
+  decltype(&TALVIR::Init) Init = nullptr;
+  decltype(&TALVIR::UnInit) UnInit = nullptr;
+  decltype(&TALVIR::Discovery) Discovery = nullptr;
+  decltype(&TALVIR::DiscoveryByTLType) DiscoveryByTLType = nullptr;
+  decltype(&TALVIR::CreateCamera) CreateCamera = nullptr;
+  decltype(&TALVIR::CreateCameraBySN) CreateCameraBySN = nullptr;
+
+private:
+  template <typename TFunction> TFunction Bind(const char* name) const {
+    auto function = m_module.Symbol<TFunction>(name);
+    if (function == nullptr) {
+      throw std::runtime_error(std::string("libTalvir.so does not export ") + name);
+    }
+    return function;
+  }
+
+  CTempDirectory m_folder;
+  Platform::CDynamicModule m_module;
+};
+
+} // namespace TALVIR::Testing

@@ -1,0 +1,18 @@
+#pragma once
+// Prints device records as an aligned text table.
+#include <talvir/ICameraInfo.h>
+
+#include <list>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace TalvirCli {
+
+// The name of a TL type bit ("GEV", ...), or the number in hexadecimal when it is none of them.
+std::string TLTypeText(uint32_t tlType);
+
+// One row per record: vendor, model, serial, TL type, access status, device ID, producer file.
+void PrintDeviceTable(std::ostream& out, const std::list<TALVIR::ICameraInfo*>& records);
+
+} // namespace TalvirCli
