@@ -237,14 +237,13 @@ private:
     return EOp::Pow;
   }
 
-  void ParseBinary(int level) {
+  // Precedence climbing: one recursion per operator of higher precedence, a loop along operators of the same level.
+  void ParseBinary(int minLevel) {
     CNest nest(*this);
-    if (level > 10) {
-      ParseUnary();
-      return;
-    }
-    ParseBinary(level + 1);
-    while (m_token.kind == ETok::Op && LevelOf(m_token.text) == level) {
+    ParseUnary();
+    while (m_token.kind == ETok::Op) {
+      const int level = LevelOf(m_token.text);
+      if (level < 0 || level < minLevel) break;
       const std::string_view op = m_token.text;
       Next();
       if (level == 0 || level == 1) {
@@ -256,7 +255,6 @@ private:
       } else if (level == 10) {
         ParseBinary(level);  // right associative
         Emit(EOp::Pow, -1);
-        return;
       } else {
         ParseBinary(level + 1);
         Emit(OpOf(op), -1);

@@ -14,7 +14,7 @@ class CNode;
 class CFormulaSet {
 public:
   static constexpr int kMaxStack = 128;
-  static constexpr int kMaxNesting = 100;
+  static constexpr int kMaxNesting = 300;
 
   // owner names the node in error messages; integerMode selects 64-bit integer evaluation.
   CFormulaSet(const CNode* owner, bool integerMode);

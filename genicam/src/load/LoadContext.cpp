@@ -98,7 +98,7 @@ double CLoadContext::Float(CNode& owner, const pugi::xml_node& element) {
 bool CLoadContext::YesNo(CNode& owner, const pugi::xml_node& element) {
   const std::string_view text = Text(element);
   if (text == "Yes" || text == "true" || text == "1") return true;
-  if (text == "No" || text == "false" || text == "0") return false;
+  if (text == "No" || text == "false" || text == "0" || text.empty()) return false;
   Fail(&owner, element, "expected Yes or No");
 }
 

@@ -33,7 +33,9 @@ bool CEnumerationNode::ConfigureElement(CLoadContext& context, EElement id, cons
 }
 
 void CEnumerationNode::FinishLoading(CLoadContext& context) {
-  for (CEnumEntryNode* entry : m_entries) CLoadContext::AddDependency(*this, *entry);
+  // Entry availability changes the enumeration's symbolics, not its value: a notification edge only, so that entries
+  // whose availability reads registers selected by this enumeration do not form a reference cycle.
+  for (CEnumEntryNode* entry : m_entries) entry->m_dependents.push_back(this);
   (void)context;
 }
 
