@@ -14,17 +14,22 @@ namespace {
 
 using Detail::EColour;
 
-struct SRowPlanes {
-  __m256i own;    // the non-green colour of this row (red in a red row, blue in a blue row)
-  __m256i green;
-  __m256i other;  // the colour of the rows above and below
+// 32 output pixels as pixel pairs, the form CPairInterleaver writes: p = (blue, green) of the low pixel,
+// q = (red of the low, blue of the high pixel), s = (green, red) of the high pixel.
+struct SPairs {
+  __m256i p;
+  __m256i q;
+  __m256i s;
 };
 
-__m256i Load(const uint8_t* at) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(at)); }
+__attribute__((always_inline)) inline __m256i Load(const uint8_t* at) {
+  return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(at));
+}
 
-// above, row and below point to column x0 (odd) of three consecutive rows.
-template <bool LowIsGreen>
-SRowPlanes Interpolate32(const uint8_t* above, const uint8_t* row, const uint8_t* below) {
+// above, row and below point to column x0 of three consecutive rows. "Own" is the non-green colour of this
+// row, "other" the non-green colour of the rows above and below.
+template <bool LowIsGreen, bool OwnIsRed>
+__attribute__((always_inline)) inline SPairs Interpolate32(const uint8_t* above, const uint8_t* row, const uint8_t* below) {
   const __m256i low = _mm256_set1_epi16(0x00FF);
   const __m256i high = _mm256_set1_epi16(static_cast<int16_t>(0xFF00));
   const __m256i centre = Load(row);
@@ -32,57 +37,124 @@ SRowPlanes Interpolate32(const uint8_t* above, const uint8_t* row, const uint8_t
   const __m256i right = Load(row + 1);
   const __m256i up = Load(above);
   const __m256i down = Load(below);
-  // Sums of the horizontal pair around each low and each high pixel, and of the vertical pair.
+  // Sums of the horizontal pair around each low and each high pixel, and of the vertical pairs.
   const __m256i horizontalLow = _mm256_add_epi16(_mm256_and_si256(left, low), _mm256_and_si256(right, low));
   const __m256i horizontalHigh = _mm256_add_epi16(_mm256_and_si256(centre, low), _mm256_srli_epi16(right, 8));
-  SRowPlanes planes;
+  const __m256i verticalLow = _mm256_add_epi16(_mm256_and_si256(up, low), _mm256_and_si256(down, low));
+  const __m256i verticalHigh = _mm256_add_epi16(_mm256_srli_epi16(up, 8), _mm256_srli_epi16(down, 8));
+  SPairs pairs;
   if constexpr (!LowIsGreen) {
     // Low: own colour sample; green from four axis neighbours; other colour from the four diagonals.
     // High: green sample; own colour from left and right; other colour from above and below.
-    const __m256i verticalLow = _mm256_add_epi16(_mm256_and_si256(up, low), _mm256_and_si256(down, low));
-    const __m256i verticalHigh = _mm256_add_epi16(_mm256_srli_epi16(up, 8), _mm256_srli_epi16(down, 8));
     const __m256i diagonals = _mm256_add_epi16(
         _mm256_add_epi16(_mm256_and_si256(Load(above - 1), low), _mm256_and_si256(Load(above + 1), low)),
         _mm256_add_epi16(_mm256_and_si256(Load(below - 1), low), _mm256_and_si256(Load(below + 1), low)));
-    const __m256i greenLow = _mm256_srli_epi16(_mm256_add_epi16(horizontalLow, verticalLow), 2);
-    planes.own = _mm256_or_si256(_mm256_and_si256(centre, low), _mm256_slli_epi16(_mm256_srli_epi16(horizontalHigh, 1), 8));
-    planes.green = _mm256_or_si256(greenLow, _mm256_and_si256(centre, high));
-    planes.other = _mm256_or_si256(_mm256_srli_epi16(diagonals, 2), _mm256_slli_epi16(_mm256_srli_epi16(verticalHigh, 1), 8));
+    const __m256i ownLow = _mm256_and_si256(centre, low);
+    const __m256i greenLowHigh = _mm256_slli_epi16(_mm256_srli_epi16(_mm256_add_epi16(horizontalLow, verticalLow), 2), 8);
+    const __m256i otherLow = _mm256_srli_epi16(diagonals, 2);
+    const __m256i ownHigh = _mm256_srli_epi16(horizontalHigh, 1);
+    const __m256i greenHigh = _mm256_srli_epi16(centre, 8);
+    const __m256i otherHigh = _mm256_srli_epi16(verticalHigh, 1);
+    if constexpr (OwnIsRed) {
+      pairs.p = _mm256_or_si256(otherLow, greenLowHigh);
+      pairs.q = _mm256_or_si256(ownLow, _mm256_slli_epi16(otherHigh, 8));
+      pairs.s = _mm256_or_si256(greenHigh, _mm256_slli_epi16(ownHigh, 8));
+    } else {
+      pairs.p = _mm256_or_si256(ownLow, greenLowHigh);
+      pairs.q = _mm256_or_si256(otherLow, _mm256_slli_epi16(ownHigh, 8));
+      pairs.s = _mm256_or_si256(greenHigh, _mm256_slli_epi16(otherHigh, 8));
+    }
   } else {
     // Low: green sample; own colour from left and right; other colour from above and below.
     // High: own colour sample; green from four axis neighbours; other colour from the four diagonals.
-    const __m256i verticalLow = _mm256_add_epi16(_mm256_and_si256(up, low), _mm256_and_si256(down, low));
-    const __m256i verticalHigh = _mm256_add_epi16(_mm256_srli_epi16(up, 8), _mm256_srli_epi16(down, 8));
-    const __m256i upRight = Load(above + 1);
-    const __m256i downRight = Load(below + 1);
     const __m256i diagonals = _mm256_add_epi16(
-        _mm256_add_epi16(_mm256_and_si256(up, low), _mm256_srli_epi16(upRight, 8)),
-        _mm256_add_epi16(_mm256_and_si256(down, low), _mm256_srli_epi16(downRight, 8)));
+        _mm256_add_epi16(_mm256_and_si256(up, low), _mm256_srli_epi16(Load(above + 1), 8)),
+        _mm256_add_epi16(_mm256_and_si256(down, low), _mm256_srli_epi16(Load(below + 1), 8)));
+    const __m256i greenLowHigh = _mm256_slli_epi16(centre, 8);
+    const __m256i ownLow = _mm256_srli_epi16(horizontalLow, 1);
+    const __m256i otherLow = _mm256_srli_epi16(verticalLow, 1);
+    const __m256i ownHighHigh = _mm256_and_si256(centre, high);
     const __m256i greenHigh = _mm256_srli_epi16(_mm256_add_epi16(horizontalHigh, verticalHigh), 2);
-    planes.own = _mm256_or_si256(_mm256_srli_epi16(horizontalLow, 1), _mm256_and_si256(centre, high));
-    planes.green = _mm256_or_si256(_mm256_and_si256(centre, low), _mm256_slli_epi16(greenHigh, 8));
-    planes.other = _mm256_or_si256(_mm256_srli_epi16(verticalLow, 1), _mm256_slli_epi16(_mm256_srli_epi16(diagonals, 2), 8));
+    const __m256i otherHigh = _mm256_srli_epi16(diagonals, 2);
+    if constexpr (OwnIsRed) {
+      pairs.p = _mm256_or_si256(otherLow, greenLowHigh);
+      pairs.q = _mm256_or_si256(ownLow, _mm256_slli_epi16(otherHigh, 8));
+      pairs.s = _mm256_or_si256(greenHigh, ownHighHigh);
+    } else {
+      pairs.p = _mm256_or_si256(ownLow, greenLowHigh);
+      pairs.q = _mm256_or_si256(otherLow, ownHighHigh);
+      pairs.s = _mm256_or_si256(greenHigh, _mm256_slli_epi16(otherHigh, 8));
+    }
   }
-  return planes;
+  return pairs;
 }
 
-template <bool LowIsGreen, bool OwnIsRed>
-uint32_t InterpolateRow(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t y, uint32_t lastColumn,
-                        const CBgrInterleaver& interleaver) {
+using EStore = CBgrInterleaver::EStore;
+
+template <bool LowIsGreen, bool OwnIsRed, EStore Kind>
+__attribute__((always_inline)) inline void Block(const uint8_t* row, uint64_t stride, uint8_t* out,
+                                                 const CPairInterleaver& interleaver) {
+  const SPairs pairs = Interpolate32<LowIsGreen, OwnIsRed>(row - stride, row, row + stride);
+  interleaver.Store<Kind>(out, pairs.p, pairs.q, pairs.s);
+}
+
+// Which of the four kernels a block starting at column x of row y needs.
+struct SBlockKind {
+  bool lowIsGreen;
+  bool ownIsRed;
+};
+
+SBlockKind KindAt(EBayer pattern, uint32_t x, uint32_t y) {
+  const EColour low = Detail::ColourAt(pattern, x, y);
+  const EColour high = Detail::ColourAt(pattern, x + 1, y);
+  const bool lowIsGreen = low == EColour::Green;
+  return {lowIsGreen, (lowIsGreen ? high : low) == EColour::Red};
+}
+
+template <EStore Kind>
+void BlockAt(const SBlockKind& kind, const uint8_t* row, uint64_t stride, uint8_t* out,
+             const CPairInterleaver& interleaver) {
+  if (kind.lowIsGreen) {
+    kind.ownIsRed ? Block<true, true, Kind>(row, stride, out, interleaver)
+                  : Block<true, false, Kind>(row, stride, out, interleaver);
+  } else {
+    kind.ownIsRed ? Block<false, true, Kind>(row, stride, out, interleaver)
+                  : Block<false, false, Kind>(row, stride, out, interleaver);
+  }
+}
+
+// One interior row, columns 1..lastColumn (at least 32 of them). The main blocks start where the output is
+// 32-byte aligned; one unaligned block before them and one after cover the ends, overlapping pixels that
+// other blocks write with the same values.
+template <EStore Kind>
+void InterpolateRow(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t y, uint32_t lastColumn,
+                    EBayer pattern, const CPairInterleaver& interleaver) {
   const uint64_t stride = width;
   const uint8_t* row = source + y * stride;
   uint8_t* out = destination + y * stride * 3;
-  uint32_t x = 1;
-  for (; x + 32 <= lastColumn + 1; x += 32) {
-    const SRowPlanes planes = Interpolate32<LowIsGreen>(row - stride + x, row + x, row + stride + x);
-    if constexpr (OwnIsRed) {
-      interleaver.Store(out + 3 * x, planes.other, planes.green, planes.own);
-    } else {
-      interleaver.Store(out + 3 * x, planes.own, planes.green, planes.other);
+  uint32_t first = 1;
+  while (first < 33 && (reinterpret_cast<uintptr_t>(out + 3 * first) & 31) != 0) {
+    ++first;
+  }
+  if (first != 1) {
+    BlockAt<EStore::Unaligned>(KindAt(pattern, 1, y), row + 1, stride, out + 3, interleaver);
+  }
+  uint32_t x = first;
+  if (x + 31 <= lastColumn) {
+    const SBlockKind kind = KindAt(pattern, x, y);
+    for (; x + 31 <= lastColumn; x += 32) {
+      BlockAt<Kind>(kind, row + x, stride, out + 3 * x, interleaver);
     }
   }
-  return x;
+  if (x <= lastColumn) {
+    const uint32_t last = lastColumn - 31;
+    BlockAt<EStore::Unaligned>(KindAt(pattern, last, y), row + last, stride, out + 3 * last, interleaver);
+  }
 }
+
+// Above this output size the image cannot stay in the caches anyway, and streaming stores save the reads
+// that ordinary stores make of every destination line before writing it.
+constexpr uint64_t kStreamingThreshold = 8u << 20;
 
 } // namespace
 
@@ -94,22 +166,25 @@ bool Demosaic(const uint8_t* source, uint8_t* destination, uint32_t width, uint3
     Detail::DemosaicByCells(source, destination, width, height, pattern);
     return true;
   }
-  static const CBgrInterleaver interleaver;
+  static const CPairInterleaver interleaver;
   const uint32_t lastColumn = Detail::LastInteriorColumn(width);
+  const bool streaming = false && uint64_t{width} * height * 3 >= kStreamingThreshold;
   for (uint32_t y = 1; y + 1 < height; ++y) {
-    const bool lowIsGreen = Detail::ColourAt(pattern, 1, y) == EColour::Green;
-    const EColour own = lowIsGreen ? Detail::ColourAt(pattern, 2, y) : Detail::ColourAt(pattern, 1, y);
-    uint32_t x = 0;
-    if (lowIsGreen) {
-      x = own == EColour::Red ? InterpolateRow<true, true>(source, destination, width, y, lastColumn, interleaver)
-                              : InterpolateRow<true, false>(source, destination, width, y, lastColumn, interleaver);
-    } else {
-      x = own == EColour::Red ? InterpolateRow<false, true>(source, destination, width, y, lastColumn, interleaver)
-                              : InterpolateRow<false, false>(source, destination, width, y, lastColumn, interleaver);
+    uint32_t x = 1;
+    if (lastColumn >= 32) {
+      if (streaming) {
+        InterpolateRow<EStore::Streaming>(source, destination, width, y, lastColumn, pattern, interleaver);
+      } else {
+        InterpolateRow<EStore::Aligned>(source, destination, width, y, lastColumn, pattern, interleaver);
+      }
+      x = lastColumn + 1;
     }
     for (; x <= lastColumn; ++x) {
       Detail::InterpolateInterior(source, width, x, y, pattern, destination + (uint64_t{y} * width + x) * 3);
     }
+  }
+  if (streaming) {
+    _mm_sfence();  // streaming stores are weakly ordered: finish them before the border copies read the rows
   }
   Detail::FillBorders(destination, width, height);
   return true;
