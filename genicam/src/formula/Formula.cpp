@@ -563,8 +563,9 @@ int64_t IntBinary(EOp op, int64_t a, int64_t b, const CNode* owner) {
     case EOp::BitAnd: return a & b;
     case EOp::BitOr: return a | b;
     case EOp::BitXor: return a ^ b;
-    case EOp::Shl: return (b < 0 || b >= 64) ? 0 : static_cast<int64_t>(ua << b);
-    case EOp::Shr: return (b < 0 || b >= 64) ? (a < 0 ? -1 : 0) : (a >> b);
+    // Shift counts are taken modulo 64, as 64-bit processors do.
+    case EOp::Shl: return static_cast<int64_t>(ua << (ub & 63));
+    case EOp::Shr: return a >> (ub & 63);
     case EOp::Eq: return a == b;
     case EOp::Ne: return a != b;
     case EOp::Lt: return a < b;

@@ -204,6 +204,38 @@ void CheckCycles(CNodeMapImpl& map) {
   }
 }
 
+// A node's access mode may be remembered when no node below it is volatile. The graph is acyclic here.
+void MarkAccessCacheable(CNodeMapImpl& map) {
+  std::unordered_map<const CNode*, uint8_t> state;  // 0 unknown, 1 in progress, 2 stable, 3 volatile
+  state.reserve(map.AllNodes().size() * 2);
+  struct CFrame {
+    CNode* node;
+    size_t next;
+  };
+  std::vector<CFrame> stack;
+  for (auto& owned : map.AllNodes()) {
+    if (state[owned.get()] != 0) continue;
+    stack.push_back({owned.get(), 0});
+    state[owned.get()] = 1;
+    while (!stack.empty()) {
+      CFrame& frame = stack.back();
+      if (frame.next < frame.node->m_readingChildren.size()) {
+        CNode* child = frame.node->m_readingChildren[frame.next++];
+        if (state[child] == 0) {
+          state[child] = 1;
+          stack.push_back({child, 0});
+        }
+        continue;
+      }
+      bool isVolatile = frame.node->IsVolatile();
+      for (CNode* child : frame.node->m_readingChildren) isVolatile = isVolatile || state[child] != 2;
+      state[frame.node] = isVolatile ? 3 : 2;
+      frame.node->m_accessCacheable = !isVolatile;
+      stack.pop_back();
+    }
+  }
+}
+
 // Registers at the same fixed address of the same port see each other's writes.
 void GroupRegisters(CNodeMapImpl& map) {
   std::map<std::pair<const CPortNode*, int64_t>, std::vector<CNode*>> byAddress;
@@ -267,6 +299,7 @@ std::unique_ptr<CNodeMapImpl> LoadNodeMap(const char* text, size_t size, const s
   CheckCycles(*map);
   MarkFeatures(*map);
   GroupRegisters(*map);
+  MarkAccessCacheable(*map);
   for (auto& owned : map->AllNodes()) {
     auto* port = dynamic_cast<CPortNode*>(owned.get());
     if (port != nullptr && port->IsChunkPort()) map->ChunkPorts().push_back(port);

@@ -174,6 +174,16 @@ EAccessMode CNode::GetAccessMode() const {
 }
 
 EAccessMode CNode::ComputeAccessMode() {
+  if (m_accessCacheValid) return m_accessCache;
+  const EAccessMode mode = ComputeAccessModeUncached();
+  if (m_accessCacheable) {
+    m_accessCache = mode;
+    m_accessCacheValid = true;
+  }
+  return mode;
+}
+
+EAccessMode CNode::ComputeAccessModeUncached() {
   CDepthGuard depth(*this);
   if (m_pIsImplemented != nullptr && m_pIsImplemented->GetInt(false, false) == 0) return NI;
   if (m_pIsAvailable != nullptr && m_pIsAvailable->GetInt(false, false) == 0) return NA;

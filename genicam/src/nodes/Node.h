@@ -52,7 +52,7 @@ public:
   EVisibility GetVisibility() const override { return m_visibility; }
   void InvalidateNode() override;
   bool IsCachable() const override;
-  EYesNo IsAccessModeCacheable() const override { return No; }
+  EYesNo IsAccessModeCacheable() const override { return m_accessCacheable ? Yes : No; }
   ECachingMode GetCachingMode() const override;
   int64_t GetPollingTime() const override { return m_pollingTime; }
   gcstring GetToolTip() const override { return m_toolTip; }
@@ -92,6 +92,7 @@ public:
 
   // Effective access mode: implemented, available, locked, the type's own mode, the imposed mode.
   EAccessMode ComputeAccessMode();
+  EAccessMode ComputeAccessModeUncached();
   // The node type's own access mode (target, register and port) before the common elements are applied.
   virtual EAccessMode OwnAccessMode() { return RO; }
 
@@ -141,6 +142,13 @@ public:
   std::vector<CNode*>* m_pAddressGroup = nullptr;  // registers at the same fixed address of the same port
   std::vector<CNodeCallback*> m_callbacks;
   uint32_t m_visitEpoch = 0;
+  // The access mode is remembered when nothing it depends on can change behind the engine's back (no NoCache
+  // register, no polled node below it); change propagation forgets it.
+  bool m_accessCacheable = false;
+  bool m_accessCacheValid = false;
+  EAccessMode m_accessCache = NI;
+  // True when this node's value can change without a write through the engine (NoCache registers, polled nodes).
+  virtual bool IsVolatile() const { return m_pollingTime > 0; }
   int64_t m_pollElapsed = 0;
   bool m_isFeature = false;
 

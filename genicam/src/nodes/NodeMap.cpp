@@ -63,6 +63,7 @@ void CNodeMapImpl::InvalidateNodes() const {
   std::vector<CNode*> withCallbacks;
   for (const auto& node : m_all) {
     node->DropCache();
+    node->m_accessCacheValid = false;
     if (!node->m_callbacks.empty()) withCallbacks.push_back(node.get());
   }
   Notify(withCallbacks);
@@ -125,6 +126,7 @@ void CNodeMapImpl::PropagateChange(CNode* origin, bool dropOrigin) {
   for (size_t i = 0; i < m_queue.size(); ++i) {
     CNode* node = m_queue[i];
     if (node != origin || dropOrigin) node->DropCache();
+    node->m_accessCacheValid = false;
     if (m_callbackCount > 0 && !node->m_callbacks.empty()) withCallbacks.push_back(node);
     for (CNode* dependent : node->m_dependents) visit(dependent);
     for (CNode* invalidated : node->m_invalidates) visit(invalidated);

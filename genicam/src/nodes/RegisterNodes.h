@@ -75,6 +75,7 @@ public:
   bool HasCache() const override { return m_core.Caching() != NoCache; }
   bool CacheValid() const override { return m_core.Valid() && m_core.Caching() != NoCache; }
   ECachingMode GetCachingMode() const override { return m_core.Caching(); }
+  bool IsVolatile() const override { return m_core.Caching() == NoCache || CValueNode::IsVolatile(); }
   CRegisterCore& Core() { return m_core; }
 
 protected:
