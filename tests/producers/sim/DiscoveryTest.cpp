@@ -1,0 +1,245 @@
+// Library lifecycle, system/interface/device enumeration and device information, per flavour.
+#include "SimModule.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <thread>
+
+using namespace TalvirSimTest;
+
+namespace {
+
+std::string SystemInfo(const SGenTL& fn, TL_HANDLE system, TL_INFO_CMD command) {
+  return InfoString([&](INFO_DATATYPE* t, void* b, size_t* s) { return fn.TLGetInfo(system, command, t, b, s); });
+}
+
+std::string DeviceInfo(const SGenTL& fn, IF_HANDLE iface, const std::string& id, DEVICE_INFO_CMD command) {
+  return InfoString(
+      [&](INFO_DATATYPE* t, void* b, size_t* s) { return fn.IFGetDeviceInfo(iface, id.c_str(), command, t, b, s); });
+}
+
+struct SEnumerated {
+  explicit SEnumerated(const SGenTL& f) : fn(f) {
+    if (fn.TLOpen(&system) != GC_ERR_SUCCESS) {
+      return;
+    }
+    char id[1024];
+    size_t size = sizeof id;
+    fn.TLGetInterfaceID(system, 0, id, &size);
+    fn.TLOpenInterface(system, id, &iface);
+    bool8_t changed = 0;
+    fn.IFUpdateDeviceList(iface, &changed, 1000);
+    uint32_t count = 0;
+    fn.IFGetNumDevices(iface, &count);
+    for (uint32_t i = 0; i < count; ++i) {
+      size = sizeof id;
+      fn.IFGetDeviceID(iface, i, id, &size);
+      devices.push_back(id);
+    }
+  }
+  ~SEnumerated() {
+    if (iface != nullptr) {
+      fn.IFClose(iface);
+    }
+    if (system != nullptr) {
+      fn.TLClose(system);
+    }
+  }
+  const SGenTL& fn;
+  TL_HANDLE system = nullptr;
+  IF_HANDLE iface = nullptr;
+  std::vector<std::string> devices;
+};
+
+} // namespace
+
+TEST(SimDiscovery, EveryStandardFunctionIsExported) {
+  CSimModule module;
+  ASSERT_TRUE(module.IsLoaded());
+#define TALVIR_SIM_EXPECT_BOUND(name) EXPECT_NE(module.fn.name, nullptr) << #name;
+  GENTL_FOR_EACH_FUNCTION_1_5(TALVIR_SIM_EXPECT_BOUND)
+  GENTL_FOR_EACH_FUNCTION_1_6(TALVIR_SIM_EXPECT_BOUND)
+#undef TALVIR_SIM_EXPECT_BOUND
+  EXPECT_NE(module.fn.SetU3VCameraStatusCallback, nullptr);
+}
+
+TEST(SimDiscovery, FaultVariantsLackTheirExports) {
+  CSimModule noQueue("TalvirSimNoQueue.cti");
+  ASSERT_TRUE(noQueue.IsLoaded());
+  EXPECT_EQ(noQueue.fn.DSQueueBuffer, nullptr);
+  EXPECT_NE(noQueue.fn.DSAnnounceBuffer, nullptr);
+  EXPECT_NE(noQueue.fn.GCGetInfo, nullptr);
+  CSimModule noInfo("TalvirSimNoInfo.cti");
+  ASSERT_TRUE(noInfo.IsLoaded());
+  EXPECT_EQ(noInfo.fn.GCGetInfo, nullptr);
+  EXPECT_EQ(noInfo.fn.GCGetLastError, nullptr);
+  EXPECT_NE(noInfo.fn.DSQueueBuffer, nullptr);
+  EXPECT_EQ(noInfo.Init(), GC_ERR_SUCCESS);
+}
+
+TEST(SimDiscovery, CallsBeforeInitFailWithNotInitialized) {
+  CSimModule module;
+  TL_HANDLE system = nullptr;
+  EXPECT_EQ(module.fn.TLOpen(&system), GC_ERR_NOT_INITIALIZED);
+  EXPECT_EQ(module.LastErrorCode(), GC_ERR_NOT_INITIALIZED);
+  EXPECT_EQ(module.fn.GCCloseLib(), GC_ERR_NOT_INITIALIZED);
+  ASSERT_EQ(module.Init(), GC_ERR_SUCCESS);
+  EXPECT_EQ(module.fn.GCInitLib(), GC_ERR_RESOURCE_IN_USE);
+}
+
+TEST(SimDiscovery, DefaultConfigurationHasOneInterfaceWithAMonoAndAColourCamera) {
+  CSimModule module;
+  ASSERT_EQ(module.Init(), GC_ERR_SUCCESS);
+  SEnumerated all(module.fn);
+  ASSERT_NE(all.iface, nullptr);
+  uint32_t interfaces = 0;
+  EXPECT_EQ(module.fn.TLGetNumInterfaces(all.system, &interfaces), GC_ERR_SUCCESS);
+  EXPECT_EQ(interfaces, 1u);
+  ASSERT_EQ(all.devices.size(), 2u);
+  EXPECT_EQ(all.devices[0], "SimMono-SIM00001");
+  EXPECT_EQ(all.devices[1], "SimColor-SIM00002");
+  EXPECT_EQ(DeviceInfo(module.fn, all.iface, all.devices[0], DEVICE_INFO_SERIAL_NUMBER), "SIM00001");
+  EXPECT_EQ(DeviceInfo(module.fn, all.iface, all.devices[1], DEVICE_INFO_MODEL), "SimColor");
+  EXPECT_EQ(DeviceInfo(module.fn, all.iface, all.devices[0], DEVICE_INFO_VENDOR), "Talvir");
+  EXPECT_EQ(DeviceInfo(module.fn, all.iface, all.devices[0], DEVICE_INFO_TLTYPE), "Custom");
+  EXPECT_EQ(SystemInfo(module.fn, all.system, TL_INFO_TLTYPE), "Custom");
+  EXPECT_EQ(SystemInfo(module.fn, all.system, TL_INFO_NAME), "TalvirSim.cti");
+}
+
+TEST(SimDiscovery, FlavourFollowsTheFileNameTheModuleWasLoadedUnder) {
+  struct SCase {
+    const char* name;
+    const char* tlType;
+    const char* firstDevice;
+  };
+  const SCase cases[] = {{"TalvirSimGEVTL.cti", "GEV", "SimMono-GEV00001"},
+                         {"U3VTLTAV.cti", "U3V", "SimMono U3V00001"},
+                         {"TalvirSimCL.cti", "CL", "SimMono-CLG00001"},
+                         {"TalvirSimCXP.cti", "CXP", "SimMono-CXP00001"},
+                         {"AnyOtherName.cti", "Custom", "SimMono-SIM00001"}};
+  for (const SCase& c : cases) {
+    CSimModule module("TalvirSim.cti", c.name);
+    ASSERT_EQ(module.Init(), GC_ERR_SUCCESS) << c.name;
+    SEnumerated all(module.fn);
+    ASSERT_FALSE(all.devices.empty()) << c.name;
+    EXPECT_EQ(all.devices[0], c.firstDevice) << c.name;
+    EXPECT_EQ(SystemInfo(module.fn, all.system, TL_INFO_TLTYPE), c.tlType) << c.name;
+    const std::string ifType = InfoString([&](INFO_DATATYPE* t, void* b, size_t* s) {
+      return module.fn.IFGetInfo(all.iface, INTERFACE_INFO_TLTYPE, t, b, s);
+    });
+    EXPECT_EQ(ifType, c.tlType) << c.name;
+  }
+}
+
+TEST(SimDiscovery, GigEFlavourAnswersCommand1001WithThe420ByteRecord) {
+  CSimModule module("TalvirSim.cti", "TalvirSimGEVTL.cti");
+  ASSERT_EQ(module.Init(), GC_ERR_SUCCESS);
+  SEnumerated all(module.fn);
+  ASSERT_EQ(all.devices.size(), 2u);
+  uint8_t record[420];
+  std::memset(record, 0xEE, sizeof record);
+  size_t size = sizeof record;
+  INFO_DATATYPE type = 0;
+  ASSERT_EQ(module.fn.IFGetDeviceInfo(all.iface, all.devices[0].c_str(), 1001, &type, record, &size), GC_ERR_SUCCESS);
+  EXPECT_EQ(size, 420u);
+  EXPECT_EQ(type, INFO_DATATYPE_BUFFER);
+  EXPECT_EQ(record[0], 192);
+  EXPECT_EQ(record[1], 168);
+  EXPECT_EQ(record[2], 77);
+  EXPECT_EQ(record[3], 11);
+  EXPECT_STREQ(reinterpret_cast<const char*>(record + 4), "Talvir");
+  EXPECT_STREQ(reinterpret_cast<const char*>(record + 36), "SimMono");
+  EXPECT_EQ(record[108], 0x02);
+  EXPECT_EQ(record[113], 0x0B);
+  EXPECT_STREQ(reinterpret_cast<const char*>(record + 384), "GEV00001");
+  EXPECT_STREQ(reinterpret_cast<const char*>(record + 400), "mono");
+  uint32_t access = 0;
+  std::memcpy(&access, record + 416, 4);
+  EXPECT_EQ(access, 1u);
+  // The default flavour does not know the command.
+  CSimModule plain;
+  ASSERT_EQ(plain.Init(), GC_ERR_SUCCESS);
+  SEnumerated plainAll(plain.fn);
+  size = sizeof record;
+  EXPECT_EQ(plain.fn.IFGetDeviceInfo(plainAll.iface, plainAll.devices[0].c_str(), 1001, &type, record, &size),
+            GC_ERR_INVALID_ID);
+}
+
+TEST(SimDiscovery, CameraLinkAndU3VFlavoursAnswerTheirCustomCommands) {
+  CSimModule cl("TalvirSim.cti", "TalvirSimCL.cti");
+  ASSERT_EQ(cl.Init(), GC_ERR_SUCCESS);
+  SEnumerated clAll(cl.fn);
+  ASSERT_FALSE(clAll.devices.empty());
+  for (int command : {1201, 1202, 1230}) {
+    uint64_t value = 99;
+    size_t size = 8;
+    INFO_DATATYPE type = 0;
+    EXPECT_EQ(cl.fn.IFGetDeviceInfo(clAll.iface, clAll.devices[0].c_str(), command, &type, &value, &size),
+              GC_ERR_SUCCESS)
+        << command;
+    EXPECT_EQ(type, INFO_DATATYPE_UINT64);
+  }
+  for (int command : {1203, 1204, 1205, 1206, 1207, 1208, 1209, 1231}) {
+    EXPECT_NE(DeviceInfo(cl.fn, clAll.iface, clAll.devices[0], command), "<error>") << command;
+  }
+  EXPECT_EQ(DeviceInfo(cl.fn, clAll.iface, clAll.devices[0], 1208), "SimSerial0");
+
+  CSimModule u3v("TalvirSim.cti", "U3VTLTAV.cti");
+  ASSERT_EQ(u3v.Init(), GC_ERR_SUCCESS);
+  SEnumerated u3vAll(u3v.fn);
+  ASSERT_FALSE(u3vAll.devices.empty());
+  EXPECT_EQ(DeviceInfo(u3v.fn, u3vAll.iface, u3vAll.devices[0], 1101), "SuperSpeed");
+  EXPECT_NE(DeviceInfo(u3v.fn, u3vAll.iface, u3vAll.devices[0], 1100), "<error>");
+  EXPECT_NE(DeviceInfo(u3v.fn, u3vAll.iface, u3vAll.devices[0], 1102), "<error>");
+}
+
+TEST(SimDiscovery, TooSmallBuffersReportTheNeededSize) {
+  CSimModule module;
+  ASSERT_EQ(module.Init(), GC_ERR_SUCCESS);
+  SEnumerated all(module.fn);
+  char id[4];
+  size_t size = sizeof id;
+  EXPECT_EQ(module.fn.IFGetDeviceID(all.iface, 0, id, &size), GC_ERR_BUFFER_TOO_SMALL);
+  EXPECT_EQ(size, std::strlen("SimMono-SIM00001") + 1);
+  size = 0;
+  EXPECT_EQ(module.fn.TLGetInterfaceID(all.system, 0, nullptr, &size), GC_ERR_SUCCESS);
+  EXPECT_EQ(size, std::strlen("TalvirSim-IF0") + 1);
+  EXPECT_EQ(module.fn.TLGetInterfaceID(all.system, 5, nullptr, &size), GC_ERR_INVALID_INDEX);
+  EXPECT_EQ(module.fn.IFGetDeviceID(all.iface, 0, id, nullptr), GC_ERR_INVALID_PARAMETER);
+}
+
+TEST(SimDiscovery, BadHandlesAndUnknownIdsAreRejected) {
+  CSimModule module;
+  ASSERT_EQ(module.Init(), GC_ERR_SUCCESS);
+  SEnumerated all(module.fn);
+  uint32_t count = 0;
+  EXPECT_EQ(module.fn.IFGetNumDevices(nullptr, &count), GC_ERR_INVALID_HANDLE);
+  EXPECT_EQ(module.fn.IFGetNumDevices(all.system, &count), GC_ERR_INVALID_HANDLE);  // a system is no interface
+  int notAHandle = 0;
+  EXPECT_EQ(module.fn.TLGetNumInterfaces(&notAHandle, &count), GC_ERR_INVALID_HANDLE);
+  IF_HANDLE iface = nullptr;
+  EXPECT_EQ(module.fn.TLOpenInterface(all.system, "NoSuchInterface", &iface), GC_ERR_INVALID_ID);
+  EXPECT_NE(module.LastError().find("NoSuchInterface"), std::string::npos);
+  DEV_HANDLE device = nullptr;
+  EXPECT_EQ(module.fn.IFOpenDevice(all.iface, "NoSuchDevice", DEVICE_ACCESS_CONTROL, &device), GC_ERR_INVALID_ID);
+  EXPECT_EQ(module.fn.IFOpenDevice(all.iface, nullptr, DEVICE_ACCESS_CONTROL, &device), GC_ERR_INVALID_PARAMETER);
+}
+
+TEST(SimDiscovery, LastErrorIsKeptPerThread) {
+  CSimModule module;
+  ASSERT_EQ(module.Init(), GC_ERR_SUCCESS);
+  uint32_t count = 0;
+  EXPECT_EQ(module.fn.IFGetNumDevices(nullptr, &count), GC_ERR_INVALID_HANDLE);
+  GC_ERROR otherThread = 0;
+  std::thread([&] {
+    TL_HANDLE system = nullptr;
+    module.fn.TLOpen(&system);
+    EXPECT_EQ(module.fn.TLOpen(&system), GC_ERR_RESOURCE_IN_USE);
+    otherThread = module.LastErrorCode();
+    module.fn.TLClose(system);
+  }).join();
+  EXPECT_EQ(otherThread, GC_ERR_RESOURCE_IN_USE);
+  EXPECT_EQ(module.LastErrorCode(), GC_ERR_INVALID_HANDLE);
+}
