@@ -42,6 +42,7 @@ std::string TLTypeText(uint32_t tlType) {
   case Ethernet: return "Ethernet";
   case PCI: return "PCI";
   case CLSerialOnly: return "CL-serial";
+  case 0: return "-";
   default: break;
   }
   char text[16];

@@ -9,7 +9,7 @@
 
 namespace TalvirCli {
 
-// The name of a TL type bit ("GEV", ...), or the number in hexadecimal when it is none of them.
+// The name of a TL type bit ("GEV", ...), "-" for a type the library does not know, or the number in hexadecimal.
 std::string TLTypeText(uint32_t tlType);
 
 // One row per record: vendor, model, serial, TL type, access status, device ID, producer file.
