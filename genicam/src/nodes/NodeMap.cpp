@@ -17,20 +17,46 @@ void CNodeMapImpl::Enter() const {
 }
 
 void CNodeMapImpl::Leave() const {
-  if (--m_entryDepth == 0 && !m_pendingOutside.empty()) {
-    std::vector<CNodeCallback*> pending;
-    pending.swap(m_pendingOutside);
-    m_lock.Unlock();
-    for (CNodeCallback* callback : pending) {
-      try {
-        (*callback)(cbPostOutsideLock);
-      } catch (...) {
-        // A failing application callback must not break the access that triggered it.
-      }
-    }
-    return;
+  if (m_entryDepth == 1 && !m_pendingNotify.empty()) {
+    // Still counted as inside: callbacks that use the node map enter and leave at depth 2 and flush nothing.
+    FlushNotifications();
   }
+  --m_entryDepth;
   m_lock.Unlock();
+}
+
+void CNodeMapImpl::FlushNotifications() const {
+  std::vector<CNode*> nodes;
+  nodes.swap(m_pendingNotify);
+  std::vector<CNodeCallback*> inside;
+  std::vector<CNodeCallback*> outside;
+  for (CNode* node : nodes) {
+    node->m_notifyPending = false;
+    for (CNodeCallback* callback : node->m_callbacks) {
+      (callback->GetCallbackType() == cbPostOutsideLock ? outside : inside).push_back(callback);
+    }
+  }
+  for (CNodeCallback* callback : inside) {
+    try {
+      (*callback)(cbPostInsideLock);
+    } catch (...) {
+      // A failing application callback must not break the access that triggered it.
+    }
+  }
+  if (outside.empty()) return;
+  // Release the lock completely for the outside callbacks, then take it back as it was.
+  const int depth = m_entryDepth;
+  m_entryDepth = 0;
+  m_lock.Unlock();
+  for (CNodeCallback* callback : outside) {
+    try {
+      (*callback)(cbPostOutsideLock);
+    } catch (...) {
+      // A failing application callback must not break the access that triggered it.
+    }
+  }
+  m_lock.Lock();
+  m_entryDepth = depth;
 }
 
 void CNodeMapImpl::GetNodes(NodeList_t& Nodes) const {
@@ -60,13 +86,14 @@ bool CNodeMapImpl::AddNode(std::unique_ptr<CNode> node, bool named) {
 
 void CNodeMapImpl::InvalidateNodes() const {
   CEntryGuard guard(*this);
-  std::vector<CNode*> withCallbacks;
   for (const auto& node : m_all) {
     node->DropCache();
     node->m_accessCacheValid = false;
-    if (!node->m_callbacks.empty()) withCallbacks.push_back(node.get());
+    if (!node->m_callbacks.empty() && !node->m_notifyPending) {
+      node->m_notifyPending = true;
+      m_pendingNotify.push_back(node.get());
+    }
   }
-  Notify(withCallbacks);
 }
 
 bool CNodeMapImpl::Connect(IPort* pPort, const gcstring& PortName) const {
@@ -116,7 +143,6 @@ void CNodeMapImpl::PropagateChange(CNode* origin, bool dropOrigin) {
   m_queue.clear();
   m_queue.push_back(origin);
   origin->m_visitEpoch = m_epoch;
-  std::vector<CNode*> withCallbacks;
   auto visit = [this](CNode* node) {
     if (node->m_visitEpoch != m_epoch) {
       node->m_visitEpoch = m_epoch;
@@ -127,32 +153,14 @@ void CNodeMapImpl::PropagateChange(CNode* origin, bool dropOrigin) {
     CNode* node = m_queue[i];
     if (node != origin || dropOrigin) node->DropCache();
     node->m_accessCacheValid = false;
-    if (m_callbackCount > 0 && !node->m_callbacks.empty()) withCallbacks.push_back(node);
+    if (m_callbackCount > 0 && !node->m_callbacks.empty() && !node->m_notifyPending) {
+      node->m_notifyPending = true;
+      m_pendingNotify.push_back(node);
+    }
     for (CNode* dependent : node->m_dependents) visit(dependent);
     for (CNode* invalidated : node->m_invalidates) visit(invalidated);
     if (node->m_pAddressGroup != nullptr) {
       for (CNode* sibling : *node->m_pAddressGroup) visit(sibling);
-    }
-  }
-  if (!withCallbacks.empty()) Notify(withCallbacks);
-}
-
-void CNodeMapImpl::Notify(std::vector<CNode*>& nodes) const {
-  std::vector<CNodeCallback*> inside;
-  for (CNode* node : nodes) {
-    for (CNodeCallback* callback : node->m_callbacks) {
-      if (callback->GetCallbackType() == cbPostOutsideLock) {
-        m_pendingOutside.push_back(callback);
-      } else {
-        inside.push_back(callback);
-      }
-    }
-  }
-  for (CNodeCallback* callback : inside) {
-    try {
-      (*callback)(cbPostInsideLock);
-    } catch (...) {
-      // A failing application callback must not break the access that triggered it.
     }
   }
 }

@@ -69,7 +69,8 @@ public:
   int64_t m_deviceVersion[3] = {0, 0, 0};
 
 private:
-  void Notify(std::vector<CNode*>& nodes) const;
+  // Fires the callbacks of the nodes collected during the outermost public call (each node once).
+  void FlushNotifications() const;
 
   std::string m_deviceName;
   mutable CLock m_lock;
@@ -83,7 +84,7 @@ private:
   int m_depth = 0;
   int m_callbackCount = 0;
   mutable int m_entryDepth = 0;
-  mutable std::vector<CNodeCallback*> m_pendingOutside;
+  mutable std::vector<CNode*> m_pendingNotify;
 };
 
 // Locks the node map for one public call.

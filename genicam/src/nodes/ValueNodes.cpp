@@ -296,7 +296,11 @@ bool CIntegerNode::ConfigureElement(CLoadContext& context, EElement id, const pu
   }
 }
 
-void CIntegerNode::FinishLoading(CLoadContext& context) { (void)context; }
+void CIntegerNode::FinishLoading(CLoadContext& context) { m_value.Check(*this, context, pugi::xml_node()); }
+void CFloatNode::FinishLoading(CLoadContext& context) { m_value.Check(*this, context, pugi::xml_node()); }
+void CBooleanNode::FinishLoading(CLoadContext& context) { m_value.Check(*this, context, pugi::xml_node()); }
+void CCommandNode::FinishLoading(CLoadContext& context) { m_value.Check(*this, context, pugi::xml_node()); }
+void CStringNode::FinishLoading(CLoadContext& context) { m_value.Check(*this, context, pugi::xml_node()); }
 
 int64_t CIntegerNode::GetInt(bool, bool ignoreCache) {
   CDepthGuard depth(*this);

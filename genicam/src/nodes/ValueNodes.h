@@ -121,6 +121,7 @@ class CFloatNode : public CFloatBase {
 public:
   CFloatNode(CNodeMapImpl& map, std::string name) : CFloatBase(map, std::move(name), intfIFloat) {}
   bool ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) override;
+  void FinishLoading(CLoadContext& context) override;
   EAccessMode OwnAccessMode() override { return m_value.AccessMode(*this); }
   double GetFloat(bool verify, bool ignoreCache) override;
   void SetFloat(double value, bool verify) override;
@@ -145,6 +146,7 @@ public:
   void FromString(const gcstring& ValueStr, bool Verify = true) override;
 
   bool ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) override;
+  void FinishLoading(CLoadContext& context) override;
   EAccessMode OwnAccessMode() override { return m_value.AccessMode(*this); }
   int64_t GetInt(bool verify, bool ignoreCache) override;
   void SetInt(int64_t value, bool verify) override;
@@ -168,6 +170,7 @@ public:
   void FromString(const gcstring& ValueStr, bool Verify = true) override;
 
   bool ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) override;
+  void FinishLoading(CLoadContext& context) override;
   EAccessMode OwnAccessMode() override { return m_value.AccessMode(*this); }
   int64_t GetInt(bool verify, bool ignoreCache) override;
   CValueSource& Source() { return m_value; }
@@ -187,6 +190,7 @@ public:
   void FromString(const gcstring& ValueStr, bool Verify = true) override { SetValue(ValueStr, Verify); }
 
   bool ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) override;
+  void FinishLoading(CLoadContext& context) override;
   EAccessMode OwnAccessMode() override { return m_value.AccessMode(*this); }
   std::string GetStr(bool verify, bool ignoreCache) override;
   void SetStr(const std::string& value, bool verify) override;

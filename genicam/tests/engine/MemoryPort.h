@@ -96,3 +96,29 @@ inline std::string Describe(const std::string& nodes) {
 }
 
 }  // namespace EngineTest
+
+namespace EngineTest {
+
+// A node map loaded from node definitions, with a memory port connected as "Device".
+struct CTestMap {
+  explicit CTestMap(const std::string& nodes, bool randomFill = false) : port(randomFill) {
+    map._LoadXMLFromString(Describe(nodes));
+    map._Connect(&port, "Device");
+  }
+  GenApi::INode* Node(const char* name) { return map._GetNode(name); }
+  GenApi::CNodeMapRef map;
+  CMemoryPort port;
+};
+
+// The description of the GenICam exception thrown by the callable, or "" when nothing was thrown.
+template <class F>
+std::string ErrorOf(F&& f) {
+  try {
+    f();
+  } catch (const GenICam::GenericException& error) {
+    return error.GetDescription();
+  }
+  return std::string();
+}
+
+}  // namespace EngineTest

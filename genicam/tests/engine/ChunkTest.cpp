@@ -1,0 +1,102 @@
+// Chunk data: the adapter attaches GenTL chunk records to the Port nodes whose ChunkID matches.
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "MemoryPort.h"
+
+using namespace EngineTest;
+using namespace GenApi;
+
+namespace {
+
+const std::string kChunks =
+    "<Port Name='TimestampPort'><ChunkID>1234ABCD</ChunkID></Port>"
+    "<IntReg Name='ChunkTimestamp'><Address>0</Address><Length>8</Length><AccessMode>RO</AccessMode>"
+    "<pPort>TimestampPort</pPort><Endianess>LittleEndian</Endianess></IntReg>"
+    "<Port Name='GainPort'><ChunkID>0x22</ChunkID></Port>"
+    "<IntReg Name='ChunkGain'><Address>4</Address><Length>4</Length><AccessMode>RO</AccessMode>"
+    "<pPort>GainPort</pPort></IntReg>";
+
+struct CBuffer {
+  CBuffer() {
+    std::memset(bytes, 0, sizeof bytes);
+    const uint64_t timestamp = 0x1122334455667788ULL;
+    std::memcpy(bytes + 16, &timestamp, 8);
+    const uint32_t gain = 7;
+    std::memcpy(bytes + 32 + 4, &gain, 4);
+    records[0] = {0x1234ABCD, 16, 8};
+    records[1] = {0x22, 32, 8};
+  }
+  uint8_t bytes[64];
+  GenTL::SINGLE_CHUNK_DATA records[2];
+};
+
+TEST(Chunks, FeaturesReadFromTheAttachedBuffer) {
+  CTestMap t(kChunks);
+  CIntegerPtr timestamp(t.Node("ChunkTimestamp"));
+  EXPECT_EQ(timestamp->GetAccessMode(), NA) << "no buffer yet";
+  CBuffer buffer;
+  CChunkAdapterGenTL adapter(t.map._Ptr);
+  EXPECT_TRUE(adapter.CheckBufferLayout(buffer.bytes, buffer.records, 2));
+  AttachStatistics_t statistics;
+  adapter.AttachBuffer(buffer.bytes, buffer.records, 2, &statistics);
+  EXPECT_EQ(statistics.NumChunkPorts, 2);
+  EXPECT_EQ(statistics.NumAttachedChunks, 2);
+  EXPECT_EQ(timestamp->GetAccessMode(), RO);
+  EXPECT_EQ(timestamp->GetValue(), 0x1122334455667788LL);
+  EXPECT_EQ(CIntegerPtr(t.Node("ChunkGain"))->GetValue(), 7);
+  EXPECT_EQ(t.port.Reads(), 0) << "chunk features never touch the device port";
+  adapter.DetachBuffer();
+  EXPECT_EQ(timestamp->GetAccessMode(), NA);
+  EXPECT_THROW(timestamp->GetValue(), GenICam::AccessException);
+}
+
+TEST(Chunks, ANewBufferReplacesCachedValuesAndFiresCallbacks) {
+  CTestMap t(kChunks);
+  CBuffer first;
+  CBuffer second;
+  const uint64_t later = 99;
+  std::memcpy(second.bytes + 16, &later, 8);
+  CChunkAdapterGenTL adapter(t.map._Ptr);
+  int calls = 0;
+  Register(t.Node("ChunkTimestamp"), [&](INode*) { ++calls; });
+  adapter.AttachBuffer(first.bytes, first.records, 2);
+  EXPECT_EQ(CIntegerPtr(t.Node("ChunkTimestamp"))->GetValue(), 0x1122334455667788LL);
+  adapter.AttachBuffer(second.bytes, second.records, 2);
+  EXPECT_EQ(CIntegerPtr(t.Node("ChunkTimestamp"))->GetValue(), 99);
+  EXPECT_EQ(calls, 2);
+  CBuffer copy = second;
+  adapter.UpdateBuffer(copy.bytes);
+  const uint64_t moved = 5;
+  std::memcpy(copy.bytes + 16, &moved, 8);
+  EXPECT_EQ(CIntegerPtr(t.Node("ChunkTimestamp"))->GetValue(), 5);
+}
+
+TEST(Chunks, UnmatchedAndOversizedRecordsAreIgnored) {
+  CTestMap t(kChunks);
+  CBuffer buffer;
+  GenTL::SINGLE_CHUNK_DATA other[1] = {{0x99, 0, 8}};
+  CChunkAdapterGenTL adapter(t.map._Ptr);
+  EXPECT_FALSE(adapter.CheckBufferLayout(buffer.bytes, other, 1));
+  adapter.AttachBuffer(buffer.bytes, other, 1);
+  EXPECT_EQ(CIntegerPtr(t.Node("ChunkTimestamp"))->GetAccessMode(), NA);
+  GenTL::SINGLE_CHUNK_DATA pastTheEnd[1] = {{0x1234ABCD, 60, 8}};
+  AttachStatistics_t statistics;
+  adapter.AttachBuffer(buffer.bytes, pastTheEnd, 1, &statistics, sizeof buffer.bytes);
+  EXPECT_EQ(statistics.NumAttachedChunks, 0);
+  GenTL::SINGLE_CHUNK_DATA tooShort[1] = {{0x1234ABCD, 16, 4}};
+  adapter.AttachBuffer(buffer.bytes, tooShort, 1);
+  EXPECT_THROW(CIntegerPtr(t.Node("ChunkTimestamp"))->GetValue(), GenICam::AccessException)
+      << "a register reaching past its chunk";
+}
+
+TEST(Chunks, AdapterWithoutNodeMap) {
+  CChunkAdapterGenTL adapter;
+  CBuffer buffer;
+  EXPECT_FALSE(adapter.CheckBufferLayout(buffer.bytes, buffer.records, 2));
+  EXPECT_THROW(adapter.AttachBuffer(buffer.bytes, buffer.records, 2), GenICam::GenericException);
+  adapter.DetachBuffer();
+}
+
+}  // namespace

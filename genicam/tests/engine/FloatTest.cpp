@@ -1,0 +1,108 @@
+// Float-valued nodes: FloatReg, Float, SwissKnife, Converter, IntConverter.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <limits>
+
+#include "MemoryPort.h"
+
+using namespace EngineTest;
+using GenApi::CFloatPtr;
+using GenApi::CIntegerPtr;
+
+namespace {
+
+TEST(FloatReg, FourAndEightBytesInBothEndiannesses) {
+  CTestMap t("<FloatReg Name='F4'><Address>0</Address><Length>4</Length><AccessMode>RW</AccessMode>"
+             "<pPort>Device</pPort><Endianess>BigEndian</Endianess></FloatReg>"
+             "<FloatReg Name='F8'><Address>0x10</Address><Length>8</Length><AccessMode>RW</AccessMode>"
+             "<pPort>Device</pPort><Endianess>LittleEndian</Endianess></FloatReg>");
+  const float single = 1.5f;
+  uint32_t raw32 = 0;
+  std::memcpy(&raw32, &single, 4);
+  t.port.Poke32BE(0, raw32);
+  EXPECT_DOUBLE_EQ(CFloatPtr(t.Node("F4"))->GetValue(), 1.5);
+  CFloatPtr f8(t.Node("F8"));
+  f8->SetValue(-2.25);
+  const double expected = -2.25;
+  uint64_t raw64 = 0;
+  std::memcpy(&raw64, &expected, 8);
+  EXPECT_EQ(t.port.Peek32LE(0x10), static_cast<uint32_t>(raw64));
+  EXPECT_EQ(t.port.Peek32LE(0x14), static_cast<uint32_t>(raw64 >> 32));
+  EXPECT_DOUBLE_EQ(f8->GetValue(true, true), -2.25);
+  EXPECT_FALSE(f8->HasInc());
+}
+
+TEST(Float, LimitsIncrementAndVerification) {
+  CTestMap t("<Float Name='F'><Value>1.0</Value><Min>-1.5</Min><Max>10</Max><Inc>0.5</Inc><Unit>ms</Unit>"
+             "<DisplayPrecision>3</DisplayPrecision></Float><Float Name='G'><Value>2</Value></Float>");
+  CFloatPtr f(t.Node("F"));
+  EXPECT_DOUBLE_EQ(f->GetMin(), -1.5);
+  EXPECT_DOUBLE_EQ(f->GetMax(), 10.0);
+  EXPECT_TRUE(f->HasInc());
+  EXPECT_DOUBLE_EQ(f->GetInc(), 0.5);
+  EXPECT_EQ(std::string(f->GetUnit()), "ms");
+  EXPECT_EQ(f->GetDisplayPrecision(), 3);
+  f->SetValue(2.5);
+  EXPECT_DOUBLE_EQ(f->GetValue(), 2.5);
+  EXPECT_THROW(f->SetValue(11.0), GenICam::OutOfRangeException);
+  EXPECT_THROW(f->SetValue(std::numeric_limits<double>::quiet_NaN()), GenICam::GenericException);
+  CFloatPtr g(t.Node("G"));
+  EXPECT_FALSE(g->HasInc());
+  EXPECT_THROW(g->GetInc(), GenICam::GenericException);
+  EXPECT_DOUBLE_EQ(g->GetMax(), std::numeric_limits<double>::max());
+  g->FromString("3.25");
+  EXPECT_EQ(std::string(g->ToString()), "3.25");
+}
+
+TEST(Float, ReadsAnIntegerTarget) {
+  CTestMap t("<Float Name='F'><pValue>I</pValue></Float><Integer Name='I'><Value>7</Value></Integer>");
+  CFloatPtr f(t.Node("F"));
+  EXPECT_DOUBLE_EQ(f->GetValue(), 7.0);
+  f->SetValue(8.4);
+  EXPECT_EQ(CIntegerPtr(t.Node("I"))->GetValue(), 8);
+}
+
+TEST(SwissKnife, EvaluatesInDoubleAndIsReadOnly) {
+  CTestMap t("<SwissKnife Name='S'><pVariable Name='A'>A</pVariable><Formula>A / 2</Formula></SwissKnife>"
+             "<Integer Name='A'><Value>7</Value></Integer>");
+  CFloatPtr s(t.Node("S"));
+  EXPECT_DOUBLE_EQ(s->GetValue(), 3.5);
+  EXPECT_EQ(s->GetAccessMode(), GenApi::RO);
+  EXPECT_THROW(s->SetValue(1.0), GenICam::AccessException);
+}
+
+TEST(Converter, FormulaFromReadsAndFormulaToWrites) {
+  CTestMap t("<Converter Name='Exposure'><pVariable Name='K'>K</pVariable><FormulaTo>FROM / K</FormulaTo>"
+             "<FormulaFrom>TO * K</FormulaFrom><pValue>Raw</pValue><Slope>Increasing</Slope></Converter>"
+             "<Integer Name='Raw'><Value>10</Value><Min>1</Min><Max>100</Max></Integer>"
+             "<Float Name='K'><Value>2.5</Value></Float>");
+  CFloatPtr e(t.Node("Exposure"));
+  EXPECT_DOUBLE_EQ(e->GetValue(), 25.0);
+  EXPECT_DOUBLE_EQ(e->GetMin(), 2.5);
+  EXPECT_DOUBLE_EQ(e->GetMax(), 250.0);
+  e->SetValue(50.0);
+  EXPECT_EQ(CIntegerPtr(t.Node("Raw"))->GetValue(), 20);
+  EXPECT_THROW(e->SetValue(1000.0), GenICam::OutOfRangeException);
+  EXPECT_EQ(e->GetAccessMode(), GenApi::RW);
+}
+
+TEST(Converter, DecreasingSlopeSwapsTheLimits) {
+  CTestMap t("<Converter Name='C'><FormulaTo>100 - FROM</FormulaTo><FormulaFrom>100 - TO</FormulaFrom>"
+             "<pValue>Raw</pValue><Slope>Decreasing</Slope></Converter>"
+             "<Integer Name='Raw'><Value>10</Value><Min>0</Min><Max>30</Max></Integer>");
+  CFloatPtr c(t.Node("C"));
+  EXPECT_DOUBLE_EQ(c->GetMin(), 70.0);
+  EXPECT_DOUBLE_EQ(c->GetMax(), 100.0);
+}
+
+TEST(IntConverter, EvaluatesIn64BitIntegers) {
+  CTestMap t("<IntConverter Name='C'><FormulaTo>FROM * 0x100000000</FormulaTo><FormulaFrom>TO / 0x100000000"
+             "</FormulaFrom><pValue>Raw</pValue></IntConverter><Integer Name='Raw'><Value>0x300000005</Value></Integer>");
+  CIntegerPtr c(t.Node("C"));
+  EXPECT_EQ(c->GetValue(), 3);
+  c->SetValue(7);
+  EXPECT_EQ(CIntegerPtr(t.Node("Raw"))->GetValue(), 0x700000000LL);
+}
+
+}  // namespace
