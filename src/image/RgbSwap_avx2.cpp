@@ -3,6 +3,8 @@
 
 #include <immintrin.h>
 
+#include <cstdint>
+
 namespace TALVIR::Pixel::Avx2 {
 namespace {
 
@@ -52,9 +54,13 @@ bool SwapRedBlue(const uint8_t* source, uint8_t* destination, uint32_t width, ui
   }
   static const SSwapMasks masks = MakeSwapMasks();
   const uint64_t bytes = uint64_t{width} * height * 3;
-  // The first pixel is done alone so that every load at "offset - 2" stays inside the image.
-  SwapPixel(source, destination);
-  uint64_t at = 3;
+  // Single pixels first: at least one, so that every load at "offset - 2" stays inside the image, and then
+  // until the destination is 32-byte aligned (3 and 32 are coprime, so at most 32 pixels).
+  uint64_t at = 0;
+  do {
+    SwapPixel(source + at, destination + at);
+    at += 3;
+  } while (at < bytes && (reinterpret_cast<uintptr_t>(destination + at) & 31) != 0);
   for (; at + 98 <= bytes; at += 96) {
     for (int chunk = 0; chunk < 3; ++chunk) {
       const uint8_t* in = source + at + 32 * chunk;
@@ -62,7 +68,7 @@ bool SwapRedBlue(const uint8_t* source, uint8_t* destination, uint32_t width, ui
       const __m256i after = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in + 2));
       const __m256i merged = _mm256_or_si256(_mm256_shuffle_epi8(before, masks.fromBefore[chunk]),
                                              _mm256_shuffle_epi8(after, masks.fromAfter[chunk]));
-      _mm256_storeu_si256(reinterpret_cast<__m256i*>(destination + at + 32 * chunk), merged);
+      _mm256_store_si256(reinterpret_cast<__m256i*>(destination + at + 32 * chunk), merged);
     }
   }
   for (; at < bytes; at += 3) {
