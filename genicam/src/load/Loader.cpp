@@ -135,7 +135,8 @@ private:
 
   CNode* Add(std::unique_ptr<CNode> node, const pugi::xml_node& element) {
     CNode* raw = node.get();
-    if (!m_map.AddNode(std::move(node), true)) m_context.Fail(raw, element, "duplicate node name");
+    if (m_map.Find(raw->Name()) != nullptr) m_context.Fail(raw, element, "duplicate node name");
+    m_map.AddNode(std::move(node), true);
     return raw;
   }
 
