@@ -10,16 +10,19 @@ namespace TALVIR::Tools
 {
 namespace
 {
-void ScanChildren(const pugi::xml_node& parent, std::map<std::string, std::string>& elements)
+// Of a StructReg only the StructEntry children are features; an IntSwissKnife inside it is part of its address.
+void ScanChildren(const pugi::xml_node& parent, std::map<std::string, std::string>& elements, bool entriesOnly = false)
 {
     for (const pugi::xml_node& child : parent.children())
     {
         if (child.type() != pugi::node_element)
             continue;
         const std::string element = child.name();
+        if (entriesOnly && element != "StructEntry")
+            continue;
         if (element == "Group" || element == "StructReg")
         {
-            ScanChildren(child, elements);
+            ScanChildren(child, elements, element == "StructReg");
             continue;
         }
         if (ValueKindOfElement(element) == EValueKind::None)

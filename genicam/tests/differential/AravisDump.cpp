@@ -3,6 +3,7 @@
 #include "AravisNodeMap.h"
 #include "FeatureDump.h"
 #include "FileBytes.h"
+#include "StructEntryNormalisation.h"
 
 #include <iostream>
 
@@ -24,6 +25,9 @@ int main(int argc, char** argv)
         std::cerr << "genicam-aravis-dump: cannot read '" << options.file << "'\n";
         return 1;
     }
+
+    // Makes the comparison engine follow the rule that a StructReg's access elements apply to its entries.
+    xml = CopyStructRegAccessElementsToEntries(xml);
 
     CSparseRegisterSpace registers(options.seed);
     CAravisNodeMap nodeMap(registers);

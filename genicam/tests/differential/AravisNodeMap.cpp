@@ -38,29 +38,39 @@ bool Query(nlohmann::ordered_json& record, const char* field, TQuery&& query)
 }
 
 // The feature's access mode, combined from the parts the comparison engine exposes by the standard's rules:
-// not implemented, else not available, else the node's own mode with a lock removing write access.
+// not implemented, else not available, else the node's own mode with a lock removing write access. "implemented" and
+// "available" then follow from the combined mode, as they do for a GenApi node (a locked write-only feature is not
+// available).
 std::string AccessOf(ArvGcFeatureNode* node, nlohmann::ordered_json& record)
 {
     gboolean implemented = FALSE;
     gboolean available = FALSE;
     gboolean locked = FALSE;
-    if (Query(record, "implemented", [&](GError** e) { implemented = arv_gc_feature_node_is_implemented(node, e); }))
-        record["implemented"] = implemented != FALSE;
-    if (Query(record, "available", [&](GError** e) { available = arv_gc_feature_node_is_available(node, e); }))
-        record["available"] = available != FALSE;
+    const bool implementedKnown =
+        Query(record, "implemented", [&](GError** e) { implemented = arv_gc_feature_node_is_implemented(node, e); });
+    const bool availableKnown =
+        Query(record, "available", [&](GError** e) { available = arv_gc_feature_node_is_available(node, e); });
+    std::string access;
     if (!implemented)
-        return "NI";
-    if (!available)
-        return "NA";
-    Query(record, "access", [&](GError** e) { locked = arv_gc_feature_node_is_locked(node, e); });
-    const ArvGcAccessMode mode = arv_gc_feature_node_get_actual_access_mode(node);
-    switch (mode)
+        access = "NI";
+    else if (!available)
+        access = "NA";
+    else
     {
-    case ARV_GC_ACCESS_MODE_RO: return "RO";
-    case ARV_GC_ACCESS_MODE_WO: return locked ? "NA" : "WO";
-    case ARV_GC_ACCESS_MODE_RW: return locked ? "RO" : "RW";
-    default: return "NA";
+        Query(record, "access", [&](GError** e) { locked = arv_gc_feature_node_is_locked(node, e); });
+        switch (arv_gc_feature_node_get_actual_access_mode(node))
+        {
+        case ARV_GC_ACCESS_MODE_RO: access = "RO"; break;
+        case ARV_GC_ACCESS_MODE_WO: access = locked ? "NA" : "WO"; break;
+        case ARV_GC_ACCESS_MODE_RW: access = locked ? "RO" : "RW"; break;
+        default: access = "NA"; break;
+        }
     }
+    if (implementedKnown)
+        record["implemented"] = access != "NI";
+    if (availableKnown || !implemented)
+        record["available"] = access != "NI" && access != "NA";
+    return access;
 }
 
 void DumpValue(ArvGcFeatureNode* node, EValueKind kind, bool readable, nlohmann::ordered_json& record)
@@ -149,8 +159,9 @@ void DumpFeature(ArvGcFeatureNode* node, const std::string& element, CFeatureDum
     DumpValue(node, ValueKindOfElement(element), access == "RO" || access == "RW", record);
 }
 
-// Feature nodes sit under the root, inside Group elements (any depth) and, for StructEntry, inside StructReg.
-void Walk(ArvDomNode* parent, const std::set<std::string>* only, CFeatureDump& dump)
+// Feature nodes sit under the root, inside Group elements (any depth) and, for StructEntry, inside StructReg (whose
+// other children, such as an IntSwissKnife address part, are not features).
+void Walk(ArvDomNode* parent, const std::set<std::string>* only, CFeatureDump& dump, bool entriesOnly = false)
 {
     for (ArvDomNode* child = arv_dom_node_get_first_child(parent); child != nullptr;
          child = arv_dom_node_get_next_sibling(child))
@@ -159,9 +170,11 @@ void Walk(ArvDomNode* parent, const std::set<std::string>* only, CFeatureDump& d
         if (tag == nullptr)
             continue;
         const std::string element = tag;
+        if (entriesOnly && element != "StructEntry")
+            continue;
         if (element == "Group" || element == "StructReg")
         {
-            Walk(child, only, dump);
+            Walk(child, only, dump, element == "StructReg");
             continue;
         }
         if (ValueKindOfElement(element) == EValueKind::None || !ARV_IS_GC_FEATURE_NODE(child))

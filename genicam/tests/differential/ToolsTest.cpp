@@ -74,14 +74,25 @@ int64_t SeededBigEndian16(uint64_t seed, uint64_t address)
     return (space.SeededByte(address) << 8) | space.SeededByte(address + 1);
 }
 
+// A one-file archive: local header and data, then the central directory and its end record.
 std::string StoredZip(const std::string& name, const std::string& content, uint16_t method, const std::string& data)
 {
     auto le16 = [](uint16_t v) { return std::string{char(v & 0xFF), char(v >> 8)}; };
-    auto le32 = [](uint32_t v) { return std::string{char(v & 0xFF), char((v >> 8) & 0xFF), char((v >> 16) & 0xFF), char(v >> 24)}; };
-    const uint32_t crc = static_cast<uint32_t>(crc32(0, reinterpret_cast<const Bytef*>(content.data()), content.size()));
-    return std::string("PK\x03\x04", 4) + le16(20) + le16(0) + le16(method) + le16(0) + le16(0) + le32(crc) +
-           le32(static_cast<uint32_t>(data.size())) + le32(static_cast<uint32_t>(content.size())) +
-           le16(static_cast<uint16_t>(name.size())) + le16(0) + name + data;
+    auto le32 = [](uint32_t v) {
+        return std::string{char(v & 0xFF), char((v >> 8) & 0xFF), char((v >> 16) & 0xFF), char(v >> 24)};
+    };
+    const uint32_t crc = static_cast<uint32_t>(crc32(0, reinterpret_cast<const Bytef*>(content.data()),
+                                                     static_cast<uInt>(content.size())));
+    const std::string common = le16(20) + le16(0) + le16(method) + le16(0) + le16(0) + le32(crc) +
+                               le32(static_cast<uint32_t>(data.size())) + le32(static_cast<uint32_t>(content.size())) +
+                               le16(static_cast<uint16_t>(name.size())) + le16(0);
+    const std::string local = std::string("PK\x03\x04", 4) + common + name + data;
+    const std::string central = std::string("PK\x01\x02", 4) + le16(20) + common + le16(0) + le16(0) + le16(0) +
+                                le32(0) + le32(0) + name;
+    const std::string end = std::string("PK\x05\x06", 4) + le16(0) + le16(0) + le16(1) + le16(1) +
+                            le32(static_cast<uint32_t>(central.size())) + le32(static_cast<uint32_t>(local.size())) +
+                            le16(0);
+    return local + central + end;
 }
 
 std::string RawDeflate(const std::string& content)
@@ -223,7 +234,7 @@ TEST(DescriptionScan, FindsValueElementsInGroupsAndStructRegs)
 {
     const auto elements = ScanValueElements(R"(<RegisterDescription>
         <Integer Name="A"/><Category Name="Root"/><Group><Group><Float Name="B"/></Group></Group>
-        <StructReg><StructEntry Name="C"/><Address>1</Address></StructReg>
+        <StructReg><StructEntry Name="C"/><Address>1</Address><IntSwissKnife Name="Part"/></StructReg>
         <IntReg Name="D"><IntSwissKnife Name="Embedded"/></IntReg><Extension><Integer Name="Hidden"/></Extension>
       </RegisterDescription>)");
     EXPECT_EQ(elements, (std::map<std::string, std::string>{
@@ -240,7 +251,7 @@ TEST(DescriptionScan, ReadsTheFirstFileOfStoredAndDeflatedArchives)
     EXPECT_THROW(FirstFileOfZip(StoredZip("a.xml", xml, 8, "garbage!")), std::runtime_error);
     EXPECT_THROW(FirstFileOfZip(StoredZip("a.xml", xml, 12, xml)), std::runtime_error);
     std::string truncated = StoredZip("a.xml", xml, 0, xml);
-    truncated.resize(truncated.size() - 3);
+    truncated.resize(30 + 5 + xml.size() - 3); // the entry's data is cut short
     EXPECT_THROW(FirstFileOfZip(truncated), std::runtime_error);
     EXPECT_FALSE(LooksLikeZip(xml));
 }
