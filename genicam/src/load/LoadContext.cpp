@@ -123,10 +123,13 @@ void CLoadContext::FloatRef(CNode& owner, const pugi::xml_node& element, bool is
 }
 
 CNode* CLoadContext::CreateEmbeddedSwissKnife(CNode& owner, const pugi::xml_node& element) {
-  std::string name = owner.Name() + "#address" + std::to_string(m_map.AllNodes().size());
+  // A named embedded formula is a node of the map like any other (when its name is free); an unnamed one is private.
+  const std::string_view given = TrimSpaces(element.attribute("Name").value());
+  const bool named = !given.empty() && m_map.Find(given) == nullptr;
+  std::string name = named ? std::string(given) : owner.Name() + "#address" + std::to_string(m_map.AllNodes().size());
   auto node = std::make_unique<CIntSwissKnifeNode>(m_map, std::move(name));
   CIntSwissKnifeNode* raw = node.get();
-  m_map.AddNode(std::move(node), false);
+  m_map.AddNode(std::move(node), named);
   raw->Configure(*this, element);
   AddDependency(owner, *raw);
   return raw;

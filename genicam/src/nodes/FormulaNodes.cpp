@@ -189,17 +189,13 @@ int64_t CIntConverterNode::NativeMin() {
   if (!m_core.target->IsNumeric()) return std::numeric_limits<int64_t>::min();
   const int64_t a = From(m_core.target->GetIntMin(), false);
   const int64_t b = From(m_core.target->GetIntMax(), false);
-  if (m_core.slope == Increasing) return a;
-  if (m_core.slope == Decreasing) return b;
-  return std::min(a, b);
+  return std::min(a, b);  // a monotonic conversion of [min, max] spans [min(a, b), max(a, b)] whatever its direction
 }
 
 int64_t CIntConverterNode::NativeMax() {
   if (!m_core.target->IsNumeric()) return std::numeric_limits<int64_t>::max();
   const int64_t a = From(m_core.target->GetIntMin(), false);
   const int64_t b = From(m_core.target->GetIntMax(), false);
-  if (m_core.slope == Increasing) return b;
-  if (m_core.slope == Decreasing) return a;
   return std::max(a, b);
 }
 
@@ -231,17 +227,13 @@ double CConverterNode::NativeMin() {
   if (!m_core.target->IsNumeric()) return -std::numeric_limits<double>::max();
   const double a = From(m_core.target->GetFloatMin(), false);
   const double b = From(m_core.target->GetFloatMax(), false);
-  if (m_core.slope == Increasing) return a;
-  if (m_core.slope == Decreasing) return b;
-  return std::min(a, b);
+  return std::min(a, b);  // a monotonic conversion of [min, max] spans [min(a, b), max(a, b)] whatever its direction
 }
 
 double CConverterNode::NativeMax() {
   if (!m_core.target->IsNumeric()) return std::numeric_limits<double>::max();
   const double a = From(m_core.target->GetFloatMin(), false);
   const double b = From(m_core.target->GetFloatMax(), false);
-  if (m_core.slope == Increasing) return b;
-  if (m_core.slope == Decreasing) return a;
   return std::max(a, b);
 }
 

@@ -4,6 +4,7 @@
 #include <cinttypes>
 #include <cmath>
 #include <cstring>
+#include <limits>
 
 #include "load/LoadContext.h"
 #include "load/NumberParsing.h"
@@ -486,8 +487,17 @@ void CFloatRegNode::SetFloat(double value, bool verify) {
 int64_t CFloatRegNode::GetInt(bool verify, bool ignoreCache) {
   return ClampToInt64(std::round(GetFloat(verify, ignoreCache)));
 }
-double CFloatRegNode::GetFloatMin() { return m_imposedMin; }
-double CFloatRegNode::GetFloatMax() { return m_imposedMax; }
+// A 4-byte register holds a single-precision value: its range is the float range.
+double CFloatRegNode::GetFloatMin() {
+  const double native = m_core.Length() == 4 ? -static_cast<double>(std::numeric_limits<float>::max())
+                                             : -std::numeric_limits<double>::max();
+  return std::max(native, m_imposedMin);
+}
+double CFloatRegNode::GetFloatMax() {
+  const double native = m_core.Length() == 4 ? static_cast<double>(std::numeric_limits<float>::max())
+                                             : std::numeric_limits<double>::max();
+  return std::min(native, m_imposedMax);
+}
 int64_t CFloatRegNode::GetIntMin() { return ClampToInt64(GetFloatMin()); }
 int64_t CFloatRegNode::GetIntMax() { return ClampToInt64(GetFloatMax()); }
 
