@@ -203,6 +203,23 @@ bool CDescriptionFacts::Depends(const std::string& node, EFlag flag, std::map<st
     return result;
 }
 
+bool CDescriptionFacts::InputsAreIntegers(const std::string& node) const
+{
+    const auto it = m_Nodes.find(node);
+    if (it == m_Nodes.end())
+        return false;
+    auto isInteger = [this](const std::string& name) {
+        const std::string element = ElementOf(name);
+        return element == "Integer" || element == "IntReg" || element == "MaskedIntReg" || element == "StructEntry" ||
+               element == "IntSwissKnife" || element == "IntConverter";
+    };
+    for (const std::string& variable : it->second.variables)
+        if (!isInteger(variable))
+            return false;
+    const std::string target = ElementText(node, "pValue");
+    return target.empty() || isInteger(target);
+}
+
 bool CDescriptionFacts::DependsOn(const std::string& node, EFlag flag) const
 {
     const auto memo = m_Memo[flag].find(node);

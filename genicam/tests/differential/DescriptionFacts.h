@@ -32,6 +32,8 @@ public:
     // The element a node comes from ("Integer", ...); empty for unknown names.
     std::string ElementOf(const std::string& node) const;
     bool DependsOn(const std::string& node, EFlag flag) const;
+    // Every pVariable and the pValue of the node are integer-valued nodes (Integer, IntReg, IntSwissKnife, ...).
+    bool InputsAreIntegers(const std::string& node) const;
 
     bool DependsOnCLikeOperators(const std::string& node) const { return DependsOn(node, CLikeOperators); }
     bool DependsOnEventOrChunkPort(const std::string& node) const { return DependsOn(node, EventOrChunkPort); }

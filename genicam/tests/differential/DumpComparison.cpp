@@ -265,22 +265,18 @@ const std::vector<SDeviation>& Deviations()
                  d.theirs->is_number_unsigned() ? double(d.theirs->get<uint64_t>()) : double(d.theirs->get<int64_t>());
              return std::fabs(a) >= 9007199254740992.0 && std::fabs(a - b) <= std::fabs(a) * 4 * DBL_EPSILON;
          }},
-        {"FloatRegistersWithoutRange",
-         "A floating-point feature without Min/pMin or Max/pMax has the whole double range (the largest finite double "
-         "in magnitude), whatever the register's length; the comparison engine gives a 4-byte FloatReg the float "
-         "range instead.",
+        {"LargeFloatFormulaOverIntegers",
+         "Converter and SwissKnife formulas are evaluated in double. The comparison engine evaluates subexpressions "
+         "whose operands are all integers in 64-bit integers, which wrap past 2^63, and takes a target whose range is "
+         "the whole 64-bit range as unbounded. Excluded for a Converter or SwissKnife whose inputs are all integer "
+         "nodes when either result reaches 1e15 in magnitude.",
          [](const SDifference& d) {
-             if (d.ours == nullptr || d.theirs == nullptr || !d.ours->is_number() || !d.theirs->is_number())
+             if ((d.element != "Converter" && d.element != "SwissKnife") || d.ours == nullptr || d.theirs == nullptr ||
+                 !d.ours->is_number() || !d.theirs->is_number())
                  return false;
-             const double ours = d.ours->get<double>();
-             const double theirs = d.theirs->get<double>();
-             if (d.field == "min")
-                 return ours == -DBL_MAX && theirs == double(-FLT_MAX) && !d.facts.HasElement(d.name, "Min") &&
-                        !d.facts.HasElement(d.name, "pMin");
-             if (d.field == "max")
-                 return ours == DBL_MAX && theirs == double(FLT_MAX) && !d.facts.HasElement(d.name, "Max") &&
-                        !d.facts.HasElement(d.name, "pMax");
-             return false;
+             if (std::max(std::fabs(d.ours->get<double>()), std::fabs(d.theirs->get<double>())) < 1e15)
+                 return false;
+             return d.facts.InputsAreIntegers(d.name);
          }},
         {"NonPositiveIncrement",
          "An increment is a positive number; reading one that is zero or negative is an error. The comparison engine "
