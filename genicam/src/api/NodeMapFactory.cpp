@@ -3,6 +3,9 @@
 
 #include <cstring>
 #include <fstream>
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
 
 #include "load/Loader.h"
 #include "load/ZipReader.h"
@@ -57,15 +60,27 @@ bool CNodeMapFactory::IsEmpty() const { return !m_pData || m_pData->bytes.empty(
 
 void CNodeMapFactory::Release() { m_pData.reset(); }
 
+namespace {
+std::unique_ptr<Engine::CNodeMapImpl> Build(const std::string& bytes, bool zipped, const gcstring& deviceName) {
+  if (zipped) {
+    const std::string xml = Engine::ExtractFirstFile(bytes.data(), bytes.size());
+    return Engine::LoadNodeMap(xml.data(), xml.size(), deviceName);
+  }
+  return Engine::LoadNodeMap(bytes.data(), bytes.size(), deviceName);
+}
+}  // namespace
+
 INodeMap* CNodeMapFactory::CreateNodeMap(const gcstring& DeviceName, bool) {
   if (IsEmpty()) throw RUNTIME_EXCEPTION("No description data to build a node map from");
   const bool zipped = m_pData->type == ContentType_ZippedXml ||
                       (m_pData->type == ContentType_Auto && LooksZipped(m_pData->bytes));
-  if (zipped) {
-    const std::string xml = Engine::ExtractFirstFile(m_pData->bytes.data(), m_pData->bytes.size());
-    return Engine::LoadNodeMap(xml.data(), xml.size(), DeviceName).release();
-  }
-  return Engine::LoadNodeMap(m_pData->bytes.data(), m_pData->bytes.size(), DeviceName).release();
+  std::unique_ptr<Engine::CNodeMapImpl> map = Build(m_pData->bytes, zipped, DeviceName);
+#if defined(__GLIBC__)
+  // The parsed document (several times the file's size) was freed between the nodes' allocations; hand those pages
+  // back to the system so that a loaded description costs its nodes' memory only.
+  malloc_trim(0);
+#endif
+  return map.release();
 }
 
 }  // namespace GenApi

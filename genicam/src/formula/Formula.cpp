@@ -449,6 +449,13 @@ int CFormulaSet::Compile(std::string_view text, const char* what) {
   return static_cast<int>(m_programs.size() - 1);
 }
 
+void CFormulaSet::FinishCompiling() {
+  std::vector<CVariable>().swap(m_variables);
+  std::vector<CNode*>().swap(m_referencedNodes);
+  m_slots.shrink_to_fit();
+  for (CProgram& program : m_programs) program.ops.shrink_to_fit();
+}
+
 bool CFormulaSet::CheckSyntax(std::string_view text, bool integerMode) {
   CFormulaSet set(nullptr, integerMode);
   set.m_acceptAnyIdentifier = true;

@@ -33,6 +33,8 @@ public:
   int64_t EvaluateInt(int program, const int64_t* externals, bool ignoreCache) const;
   double EvaluateFloat(int program, const double* externals, bool ignoreCache) const;
 
+  // Drops what only compiling needs (variable names and texts); call once every program is compiled.
+  void FinishCompiling();
   // The nodes the compiled programs read (for dependency edges).
   const std::vector<CNode*>& ReferencedNodes() const { return m_referencedNodes; }
   bool IntegerMode() const { return m_integerMode; }

@@ -25,6 +25,7 @@ void AddFormulaDependencies(CNode& owner, CFormulaSet& set) {
       CLoadContext::AddDependency(owner, *node);
     }
   }
+  set.FinishCompiling();
 }
 
 int CompileOrFail(CNode& owner, CLoadContext& context, CFormulaSet& set, const std::string& text, const char* what) {
