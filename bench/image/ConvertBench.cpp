@@ -205,10 +205,10 @@ std::vector<SComparison> MakeComparisons(std::vector<std::unique_ptr<SBuffers>>&
     {
       auto& b = *keep.emplace_back(std::make_unique<SBuffers>());
       b.input = RandomBytes(3 * pixels);
-      b.output.resize(3 * pixels);
+      b.output.resize(3 * pixels + 4096);
       list.push_back({"RGB8_to_BGR8", "libyuv_RAWToRGB24", size,
-                      [&b, w, h] { Pixel::SwapRedBlue(b.input.data(), b.output.data(), w, h); },
-                      [&b, cw, ch] { libyuv::RAWToRGB24(b.input.data(), 3 * cw, b.output.data(), 3 * cw, cw, ch); }});
+                      [&b, w, h] { Pixel::SwapRedBlue(b.input.data(), b.output.data() + 1024, w, h); },
+                      [&b, cw, ch] { libyuv::RAWToRGB24(b.input.data(), 3 * cw, b.output.data() + 1024, 3 * cw, cw, ch); }});
     }
     for (auto [name, bits] : {std::pair{"Mono10_to_Mono8", 10u}, std::pair{"Mono12_to_Mono8", 12u},
                               std::pair{"Mono16_to_Mono8", 16u}}) {
