@@ -119,7 +119,8 @@ CSimCamera::CSimCamera(const SConfig& library, const SDeviceConfig& config)
     : m_config(config), m_flavour(library.flavour), m_epoch(std::chrono::steady_clock::now()),
       m_registers(kRegisterFileSize, 0) {
   InitRegisters();
-  std::string xml = EmbeddedXml("remote.xml");
+  const std::string xml =
+      SelectSection(EmbeddedXml("remote.xml"), "<!--@LINESCAN_BEGIN@-->", "<!--@LINESCAN_END@-->", m_config.lineScan);
   m_description = MakeDescription("TalvirSim" + m_config.model, xml, R::kDescriptionAddress, m_config.xmlZipped,
                                   m_config.urlScheme);
   m_description.fileMinor = 2;

@@ -46,6 +46,22 @@ const std::string& EmbeddedXml(const std::string& name) {
   return it->second;
 }
 
+std::string SelectSection(std::string text, const std::string& begin, const std::string& end, bool keep) {
+  for (size_t start = text.find(begin); start != std::string::npos; start = text.find(begin, start)) {
+    const size_t stop = text.find(end, start);
+    if (stop == std::string::npos) {
+      throw std::logic_error("unterminated section " + begin);
+    }
+    if (keep) {
+      text.erase(stop, end.size());
+      text.erase(start, begin.size());
+    } else {
+      text.erase(start, stop + end.size() - start);
+    }
+  }
+  return text;
+}
+
 std::string ReplaceMarker(std::string text, const std::string& marker, const std::string& replacement) {
   for (size_t pos = text.find(marker); pos != std::string::npos; pos = text.find(marker, pos + replacement.size())) {
     text.replace(pos, marker.size(), replacement);

@@ -28,6 +28,9 @@ SDescription MakeDescription(const std::string& baseName, const std::string& xml
 // The embedded description texts (see xml/ and the build's embedding step).
 const std::string& EmbeddedXml(const std::string& name);
 
+// Removes every stretch from `begin` to `end` (markers included), or only the markers when `keep` is true.
+std::string SelectSection(std::string text, const std::string& begin, const std::string& end, bool keep);
+
 // Replaces every occurrence of `marker` in `text`.
 std::string ReplaceMarker(std::string text, const std::string& marker, const std::string& replacement);
 

@@ -145,7 +145,7 @@ TEST(SimFeatures, AcquisitionTriggerAndSelectors) {
   EXPECT_DOUBLE_EQ(resulting->GetValue(), 1000.0);  // bounded by the exposure
   exposure->SetValue(100.0);
   EXPECT_DOUBLE_EQ(resulting->GetValue(), 5000.0);
-  EXPECT_FALSE(IsImplemented(f.Node("AcquisitionLineRate")));
+  EXPECT_EQ(f.Node("AcquisitionLineRate"), nullptr);  // an area camera has no line-rate nodes at all
   CEnumerationPtr selector = f.Node("TriggerSelector");
   CEnumerationPtr mode = f.Node("TriggerMode");
   ASSERT_TRUE(selector.IsValid() && mode.IsValid());
@@ -235,4 +235,20 @@ TEST(SimFeatures, CommandsDriveTheCamera) {
   ASSERT_TRUE(lost.IsValid());
   lost->Execute();
   EXPECT_THROW(latched->GetValue(), GenICam::GenericException);
+}
+
+TEST(SimFeatures, LineScanCamerasHaveLineRatesInsteadOfFrameRates) {
+  SFeatures f("TalvirSimGEVTL.cti",
+              R"({"interfaces":[{"id":"IF","devices":[{"id":"Line","lineScan":true,"lineRate":20000,"sensorHeight":1000}]}]})");
+  ASSERT_TRUE(f.ok);
+  CFloatPtr lineRate = f.Node("AcquisitionLineRate");
+  CFloatPtr resultingLineRate = f.Node("ResultingLineRate");
+  ASSERT_TRUE(lineRate.IsValid() && resultingLineRate.IsValid());
+  EXPECT_TRUE(IsImplemented(lineRate));
+  EXPECT_DOUBLE_EQ(resultingLineRate->GetValue(), 20000.0);
+  lineRate->SetValue(12000.0);
+  EXPECT_DOUBLE_EQ(resultingLineRate->GetValue(), 12000.0);
+  EXPECT_FALSE(IsImplemented(f.Node("AcquisitionFrameRate")));
+  EXPECT_EQ(std::string(CEnumerationPtr(f.Node("DeviceScanType"))->ToString().c_str()), "Linescan");
+  EXPECT_EQ(CIntegerPtr(f.Node("Height"))->GetValue(), 1000);
 }
