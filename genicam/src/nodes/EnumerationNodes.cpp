@@ -39,9 +39,11 @@ void CEnumerationNode::FinishLoading(CLoadContext& context) {
   m_value.Check(*this, context, pugi::xml_node());
 }
 
+// When several entries share a value (a description error seen in real files), the last one defined wins, as a
+// later definition replaces an earlier one.
 CEnumEntryNode* CEnumerationNode::ByValue(int64_t value) const {
-  for (CEnumEntryNode* entry : m_entries) {
-    if (entry->Value() == value) return entry;
+  for (auto it = m_entries.rbegin(); it != m_entries.rend(); ++it) {
+    if ((*it)->Value() == value) return *it;
   }
   return nullptr;
 }

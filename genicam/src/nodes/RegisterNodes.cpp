@@ -485,7 +485,7 @@ void CFloatRegNode::SetFloat(double value, bool verify) {
 }
 
 int64_t CFloatRegNode::GetInt(bool verify, bool ignoreCache) {
-  return ClampToInt64(std::round(GetFloat(verify, ignoreCache)));
+  return ClampToInt64(GetFloat(verify, ignoreCache));  // truncated toward zero, as everywhere
 }
 // A 4-byte register holds a single-precision value: its range is the float range.
 double CFloatRegNode::GetFloatMin() {

@@ -218,7 +218,8 @@ bool CFloatBase::ConfigureElement(CLoadContext& context, EElement id, const pugi
   }
 }
 
-int64_t CFloatBase::GetInt(bool verify, bool ignoreCache) { return ClampToInt64(std::round(GetFloat(verify, ignoreCache))); }
+// A float read as an integer is truncated toward zero, as a C conversion does.
+int64_t CFloatBase::GetInt(bool verify, bool ignoreCache) { return ClampToInt64(GetFloat(verify, ignoreCache)); }
 double CFloatBase::GetFloatMin() {
   CDepthGuard depth(*this);
   return std::max(NativeMin(), m_imposedMin);
@@ -367,9 +368,20 @@ double CFloatNode::NativeMax() {
   CNode* target = m_value.TargetNode();
   return target && target->IsNumeric() ? target->GetFloatMax() : std::numeric_limits<double>::max();
 }
-bool CFloatNode::HasFloatInc() { return m_inc.present; }
+// Without an increment of its own, a Float over an integer-valued node steps by that node's increment, and over a
+// float-valued node by its increment when it has one.
+bool CFloatNode::HasFloatInc() {
+  if (m_inc.present) return true;
+  CNode* target = m_value.TargetNode();
+  if (target == nullptr || !target->IsNumeric()) return false;
+  return target->IsFloatValued() ? target->HasFloatInc() : true;
+}
 double CFloatNode::GetFloatInc() {
   if (m_inc.present) return m_inc.Get();
+  CNode* target = m_value.TargetNode();
+  if (target != nullptr && target->IsNumeric()) {
+    return target->IsFloatValued() ? target->GetFloatInc() : static_cast<double>(target->GetIntInc());
+  }
   return 0.0;
 }
 

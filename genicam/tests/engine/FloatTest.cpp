@@ -59,8 +59,19 @@ TEST(Float, ReadsAnIntegerTarget) {
   CTestMap t("<Float Name='F'><pValue>I</pValue></Float><Integer Name='I'><Value>7</Value></Integer>");
   CFloatPtr f(t.Node("F"));
   EXPECT_DOUBLE_EQ(f->GetValue(), 7.0);
-  f->SetValue(8.4);
-  EXPECT_EQ(CIntegerPtr(t.Node("I"))->GetValue(), 8);
+  f->SetValue(8.6);
+  EXPECT_EQ(CIntegerPtr(t.Node("I"))->GetValue(), 9) << "a written float is rounded to the integer target";
+  CTestMap back("<Integer Name='I'><pValue>F</pValue></Integer><Float Name='F'><Value>-2.7</Value></Float>");
+  EXPECT_EQ(CIntegerPtr(back.Node("I"))->GetValue(), -2) << "a float read as an integer is truncated";
+}
+
+TEST(Float, WithoutIncrementStepsLikeItsIntegerTarget) {
+  CTestMap t("<Float Name='F'><pValue>I</pValue></Float><Integer Name='I'><Value>8</Value><Inc>4</Inc></Integer>"
+             "<Float Name='G'><pValue>H</pValue></Float><Float Name='H'><Value>1</Value></Float>");
+  CFloatPtr f(t.Node("F"));
+  EXPECT_TRUE(f->HasInc());
+  EXPECT_DOUBLE_EQ(f->GetInc(), 4.0);
+  EXPECT_FALSE(CFloatPtr(t.Node("G"))->HasInc()) << "a float target without increment gives none";
 }
 
 TEST(SwissKnife, EvaluatesInDoubleAndIsReadOnly) {

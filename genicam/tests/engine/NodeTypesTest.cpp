@@ -58,6 +58,12 @@ TEST(Enumeration, UnavailableEntriesAndUnknownValues) {
   EXPECT_NE(error.find("7"), std::string::npos) << error;
 }
 
+TEST(Enumeration, EntriesSharingAValueResolveToTheLastDefined) {
+  CTestMap t("<Enumeration Name='E'><EnumEntry Name='First'><Value>1</Value></EnumEntry>"
+             "<EnumEntry Name='Second'><Value>1</Value></EnumEntry><Value>1</Value></Enumeration>");
+  EXPECT_EQ(std::string(CEnumerationPtr(t.Node("E"))->ToString()), "Second");
+}
+
 TEST(Boolean, OnAndOffValues) {
   CTestMap t("<Boolean Name='B'><pValue>R</pValue><OnValue>5</OnValue><OffValue>3</OffValue></Boolean>"
              "<IntReg Name='R'><Address>0</Address><Length>4</Length><AccessMode>RW</AccessMode>"
