@@ -244,9 +244,18 @@ void CAravisNodeMap::SetRegisterCache(bool enabled)
 
 bool CAravisNodeMap::ReadInteger(const std::string& name, int64_t& value) const
 {
+    void* node = FindInteger(name);
+    return node != nullptr && ReadIntegerNode(node, value);
+}
+
+void* CAravisNodeMap::FindInteger(const std::string& name) const
+{
     ArvGcNode* node = arv_gc_get_node(m_Gc, name.c_str());
-    if (node == nullptr || !ARV_IS_GC_INTEGER(node))
-        return false;
+    return node != nullptr && ARV_IS_GC_INTEGER(node) ? node : nullptr;
+}
+
+bool CAravisNodeMap::ReadIntegerNode(void* node, int64_t& value)
+{
     GError* error = nullptr;
     value = arv_gc_integer_get_value(ARV_GC_INTEGER(node), &error);
     if (error == nullptr)

@@ -30,6 +30,9 @@ public:
     // Raw access for benchmarks.
     void SetRegisterCache(bool enabled);
     bool ReadInteger(const std::string& name, int64_t& value) const;
+    // The integer node of that name, looked up once so that a timed loop measures the read alone; null if none.
+    void* FindInteger(const std::string& name) const;
+    static bool ReadIntegerNode(void* node, int64_t& value);
     ArvGc* Gc() const { return m_Gc; }
 
 private:
