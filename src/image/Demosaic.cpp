@@ -149,9 +149,11 @@ bool Demosaic(const uint8_t* source, uint8_t* destination, uint32_t width, uint3
 } // namespace Reference
 
 bool Demosaic(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height, EBayer pattern) {
+#if TALVIR_IMAGE_HAS_AVX2
   if (CpuHasAvx2()) {
     return Avx2::Demosaic(source, destination, width, height, pattern);
   }
+#endif
   return Reference::Demosaic(source, destination, width, height, pattern);
 }
 

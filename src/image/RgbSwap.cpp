@@ -22,9 +22,11 @@ bool SwapRedBlue(const uint8_t* source, uint8_t* destination, uint32_t width, ui
 } // namespace Reference
 
 bool SwapRedBlue(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height) {
+#if TALVIR_IMAGE_HAS_AVX2
   if (CpuHasAvx2()) {
     return Avx2::SwapRedBlue(source, destination, width, height);
   }
+#endif
   return Reference::SwapRedBlue(source, destination, width, height);
 }
 

@@ -25,9 +25,11 @@ bool ShiftTo8(const uint8_t* source, uint8_t* destination, uint32_t width, uint3
 } // namespace Reference
 
 bool ShiftTo8(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height, uint32_t bits) {
+#if TALVIR_IMAGE_HAS_AVX2
   if (CpuHasAvx2()) {
     return Avx2::ShiftTo8(source, destination, width, height, bits);
   }
+#endif
   return Reference::ShiftTo8(source, destination, width, height, bits);
 }
 

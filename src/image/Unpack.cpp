@@ -56,16 +56,20 @@ bool UnpackLsbFirst(const uint8_t* source, uint8_t* destination, uint32_t width,
 } // namespace Reference
 
 bool KeepHighBytes(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height) {
+#if TALVIR_IMAGE_HAS_AVX2
   if (CpuHasAvx2()) {
     return Avx2::KeepHighBytes(source, destination, width, height);
   }
+#endif
   return Reference::KeepHighBytes(source, destination, width, height);
 }
 
 bool UnpackLsbFirst(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height, uint32_t bits) {
+#if TALVIR_IMAGE_HAS_AVX2
   if (CpuHasAvx2()) {
     return Avx2::UnpackLsbFirst(source, destination, width, height, bits);
   }
+#endif
   return Reference::UnpackLsbFirst(source, destination, width, height, bits);
 }
 

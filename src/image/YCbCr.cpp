@@ -134,16 +134,20 @@ bool YCbCr444ToBgr709(const uint8_t* source, uint8_t* destination, uint32_t widt
 } // namespace Reference
 
 bool Yuv422ToBgr(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height, EYuv422Order order) {
+#if TALVIR_IMAGE_HAS_AVX2
   if (CpuHasAvx2()) {
     return Avx2::Yuv422ToBgr(source, destination, width, height, order);
   }
+#endif
   return Reference::Yuv422ToBgr(source, destination, width, height, order);
 }
 
 bool YCbCr422ToBgr709(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height) {
+#if TALVIR_IMAGE_HAS_AVX2
   if (CpuHasAvx2()) {
     return Avx2::YCbCr422ToBgr709(source, destination, width, height);
   }
+#endif
   return Reference::YCbCr422ToBgr709(source, destination, width, height);
 }
 

@@ -10,6 +10,8 @@
 #include "image/Unpack.h"
 #include "image/YCbCr.h"
 
+#include "image/CpuFeatures.h"
+
 #include "TestImages.h"
 
 #include <cstring>
@@ -243,8 +245,18 @@ std::vector<SExpectation> DispatchTable() {
   return table;
 }
 
-TEST(ImgTool, EveryFormatOfTheDispatchTableConvertsLikeItsRoutine) {
-  const Testing::SSize sizes[] = {{64, 4}, {37, 5}, {2, 2}};
+// Runs a test body once with the vector routines and once with the fallback routines.
+class ImgToolPaths : public ::testing::TestWithParam<bool> {
+protected:
+  void SetUp() override { Pixel::SetAvx2AllowedForTesting(GetParam()); }
+  void TearDown() override { Pixel::SetAvx2AllowedForTesting(true); }
+};
+
+INSTANTIATE_TEST_SUITE_P(VectorAndFallback, ImgToolPaths, ::testing::Values(true, false),
+                         [](const ::testing::TestParamInfo<bool>& path) { return path.param ? "Vector" : "Fallback"; });
+
+TEST_P(ImgToolPaths, EveryFormatOfTheDispatchTableConvertsLikeItsRoutine) {
+  const Testing::SSize sizes[] = {{64, 4}, {37, 5}, {2, 2}, {100, 3}};
   uint32_t seed = 900;
   for (bool fresh : {false, true}) {
     CImgTool tool(fresh, &AbsentConverter());
