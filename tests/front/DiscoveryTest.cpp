@@ -11,6 +11,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 namespace TALVIR {
 namespace {
 
@@ -170,6 +172,24 @@ TEST_F(DiscoveryTest, ParallelDiscoveryGivesEveryCallerItsOwnReference) {
     EXPECT_EQ(dynamic_cast<CCameraInfo*>(record)->ReferenceCount(), 2u);
   }
   SerialsAndGiveBack(std::move(records));
+}
+
+TEST_F(DiscoveryTest, ADeviceIDWithoutRoomForItsTerminatorEndsAParallelDiscovery) {
+  // The range check throws inside a discovery thread, which ends the process.
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  m_folder.WriteConfig("[User]\nCtiNames=Gev.cti;Usb.cti\n");
+  m_u3v.State().interfaces[0].devices[0].claimedIDSize = 1024;
+  CCtiManager manager(m_folder.Directory());
+  EXPECT_DEATH(DiscoverByName(manager, nullptr), "");
+}
+
+TEST_F(DiscoveryTest, ADeviceIDWithoutRoomForItsTerminatorReachesTheCallerOfASingleProducerDiscovery) {
+  m_u3v.State().interfaces[0].devices[0].claimedIDSize = 1024;
+  CCtiManager manager(m_folder.Directory());
+  EXPECT_THROW(DiscoverByName(manager, "Usb.cti"), std::out_of_range);
+  // The producer itself stays usable.
+  m_u3v.State().interfaces[0].devices[0].claimedIDSize = 0;
+  EXPECT_THAT(SerialsAndGiveBack(DiscoverByName(manager, "Usb.cti")), ElementsAre("U0"));
 }
 
 // CreateCameraBySN's lookup, with a factory that records what it is given.
