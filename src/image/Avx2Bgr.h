@@ -25,9 +25,9 @@ public:
     }
   }
 
-  // How the three 32-byte parts reach memory: unaligned stores anywhere; aligned or streaming (non-temporal,
-  // bypassing the caches) only when out is 32-byte aligned.
-  enum class EStore { Unaligned, Aligned, Streaming };
+  // How the three 32-byte parts reach memory: unaligned stores anywhere, aligned ones when out is 32-byte
+  // aligned.
+  enum class EStore { Unaligned, Aligned };
 
   template <EStore Kind = EStore::Unaligned>
   __attribute__((always_inline)) void Store(uint8_t* out, __m256i blue, __m256i green, __m256i red) const {
@@ -45,9 +45,7 @@ public:
 
 private:
   template <EStore Kind> __attribute__((always_inline)) static void Put(uint8_t* at, __m256i value) {
-    if constexpr (Kind == EStore::Streaming) {
-      _mm256_stream_si256(reinterpret_cast<__m256i*>(at), value);
-    } else if constexpr (Kind == EStore::Aligned) {
+    if constexpr (Kind == EStore::Aligned) {
       _mm256_store_si256(reinterpret_cast<__m256i*>(at), value);
     } else {
       _mm256_storeu_si256(reinterpret_cast<__m256i*>(at), value);
@@ -85,9 +83,7 @@ public:
 
 private:
   template <EStore Kind> __attribute__((always_inline)) static void Put(uint8_t* at, __m256i value) {
-    if constexpr (Kind == EStore::Streaming) {
-      _mm256_stream_si256(reinterpret_cast<__m256i*>(at), value);
-    } else if constexpr (Kind == EStore::Aligned) {
+    if constexpr (Kind == EStore::Aligned) {
       _mm256_store_si256(reinterpret_cast<__m256i*>(at), value);
     } else {
       _mm256_storeu_si256(reinterpret_cast<__m256i*>(at), value);

@@ -16,6 +16,7 @@
 
 #include <cstring>
 #include <functional>
+#include <new>
 
 namespace TALVIR {
 namespace {
@@ -50,6 +51,20 @@ TEST(ImgTool, NullSourceZeroSizeAndUnknownFormatGiveNull) {
   EXPECT_EQ(tool.Convert(image.data(), 0, 4, Mono8), nullptr);
   EXPECT_EQ(tool.Convert(image.data(), 4, 4, 0x12345678), nullptr);
   EXPECT_EQ(tool.Convert(image.data(), 4, 4, 0x01100006), nullptr);  // no such code in the table
+}
+
+TEST(ImgTool, ASizeNoBufferCanHoldThrowsOutOfMemory) {
+  const std::vector<uint8_t> image(16, 0);
+  CImgTool tool(false, &AbsentConverter());
+  // 0xFFFFFFFF x 0xFFFFFFFF pixels of three bytes is more than 64 bits can count.
+  EXPECT_THROW(tool.Convert(image.data(), 0xFFFFFFFFu, 0xFFFFFFFFu, RGB8), std::bad_alloc);
+  CImgTool fresh(true, &AbsentConverter());
+  EXPECT_THROW(fresh.Convert(image.data(), 0xFFFFFFFFu, 0xFFFFFFFFu, YUV422_8), std::bad_alloc);
+  // The tool is still usable afterwards.
+  const std::vector<uint8_t> rgb = {1, 2, 3};
+  const uint8_t* out = tool.Convert(rgb.data(), 1, 1, RGB8);
+  ASSERT_NE(out, nullptr);
+  EXPECT_EQ(ToVector(out, 3), (std::vector<uint8_t>{3, 2, 1}));
 }
 
 TEST(ImgTool, OutputFormatOfEveryKind) {
