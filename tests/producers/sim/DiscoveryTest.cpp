@@ -1,5 +1,6 @@
 // Library lifecycle, system/interface/device enumeration and device information, per flavour.
 #include "SimModule.h"
+#include "talvirsim/SimRegisters.h"
 
 #include <gtest/gtest.h>
 
@@ -242,4 +243,55 @@ TEST(SimDiscovery, LastErrorIsKeptPerThread) {
   }).join();
   EXPECT_EQ(otherThread, GC_ERR_RESOURCE_IN_USE);
   EXPECT_EQ(module.LastErrorCode(), GC_ERR_INVALID_HANDLE);
+}
+
+TEST(SimDiscovery, TheRemainingFunctionsAnswerOrSayTheyAreNotImplemented) {
+  CSimModule module;
+  ASSERT_EQ(module.Init(), GC_ERR_SUCCESS);
+  const auto& fn = module.fn;
+  SOpenDevice device(fn);
+  ASSERT_TRUE(device.ok);
+  bool8_t changed = 7;
+  EXPECT_EQ(fn.TLUpdateInterfaceList(device.system, &changed, 100), GC_ERR_SUCCESS);
+  EXPECT_EQ(changed, 0);
+  EXPECT_EQ(InfoString([&](INFO_DATATYPE* t, void* b, size_t* s) {
+              return fn.TLGetInterfaceInfo(device.system, "TalvirSim-IF0", INTERFACE_INFO_DISPLAYNAME, t, b, s);
+            }),
+            "Simulated Custom interface 0");
+  size_t size = 8;
+  uint64_t value = 0;
+  EXPECT_EQ(fn.TLGetInterfaceInfo(device.system, "Nope", INTERFACE_INFO_ID, nullptr, &value, &size), GC_ERR_INVALID_ID);
+  // Stacked writes run every entry.
+  uint8_t gain[4] = {0, 0, 0, 100};
+  uint8_t black[4] = {0, 0, 0, 70};
+  PORT_REGISTER_STACK_ENTRY entries[2] = {{TalvirSim::Remote::kGainRaw, gain, 4},
+                                          {TalvirSim::Remote::kBlackLevelRaw, black, 4}};
+  size_t count = 2;
+  EXPECT_EQ(fn.GCWritePortStacked(device.port, entries, &count), GC_ERR_SUCCESS);
+  EXPECT_EQ(ReadBE32(fn, device.port, TalvirSim::Remote::kGainRaw), 100u);
+  EXPECT_EQ(ReadBE32(fn, device.port, TalvirSim::Remote::kBlackLevelRaw), 70u);
+  // The new-buffer event describes itself.
+  EVENT_HANDLE event = nullptr;
+  ASSERT_EQ(fn.GCRegisterEvent(device.stream, EVENT_NEW_BUFFER, &event), GC_ERR_SUCCESS);
+  EXPECT_EQ(InfoValue<int32_t>([&](INFO_DATATYPE* t, void* b, size_t* s) {
+              return fn.EventGetInfo(event, EVENT_EVENT_TYPE, t, b, s);
+            }),
+            EVENT_NEW_BUFFER);
+  EXPECT_EQ(InfoValue<size_t>([&](INFO_DATATYPE* t, void* b, size_t* s) {
+              return fn.EventGetInfo(event, EVENT_SIZE_MAX, t, b, s);
+            }),
+            sizeof(EVENT_NEW_BUFFER_DATA));
+  // Multi-part, flow and composite-buffer functions.
+  auto buffers = device.AnnounceAndQueue(1);
+  ASSERT_EQ(buffers.size(), 1u);
+  size = 8;
+  EXPECT_EQ(fn.DSGetBufferPartInfo(device.stream, buffers[0], 0, BUFFER_PART_INFO_BASE, nullptr, &value, &size),
+            GC_ERR_INVALID_INDEX);
+  EXPECT_EQ(fn.DSGetBufferPartInfoStacked(device.stream, buffers[0], nullptr, 0), GC_ERR_NOT_IMPLEMENTED);
+  EXPECT_EQ(fn.DSGetFlowInfo(device.stream, 0, FLOW_INFO_SIZE, nullptr, &value, &size), GC_ERR_NOT_IMPLEMENTED);
+  EXPECT_EQ(fn.DSGetBufferSegmentInfo(device.stream, buffers[0], 0, SEGMENT_INFO_BASE, nullptr, &value, &size),
+            GC_ERR_NOT_IMPLEMENTED);
+  BUFFER_HANDLE composite = nullptr;
+  EXPECT_EQ(fn.DSAnnounceCompositeBuffer(device.stream, 0, nullptr, nullptr, nullptr, &composite),
+            GC_ERR_NOT_IMPLEMENTED);
 }
