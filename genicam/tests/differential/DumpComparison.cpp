@@ -265,11 +265,39 @@ const std::vector<SDeviation>& Deviations()
                  d.theirs->is_number_unsigned() ? double(d.theirs->get<uint64_t>()) : double(d.theirs->get<int64_t>());
              return std::fabs(a) >= 9007199254740992.0 && std::fabs(a - b) <= std::fabs(a) * 4 * DBL_EPSILON;
          }},
+        {"UnboundedTargetLimitNotConverted",
+         "A converter's Min and Max are its FormulaFrom applied to its target's Min and Max (swapped for a decreasing "
+         "slope), whatever those are; when the target's limit is the extreme of its type (the whole 64-bit range of "
+         "an Integer with a plain Value, say), the comparison engine passes the extreme through unconverted.",
+         [](const SDifference& d) {
+             if ((d.element != "Converter" && d.element != "IntConverter") || (d.field != "min" && d.field != "max") ||
+                 d.theirs == nullptr || !d.theirs->is_number())
+                 return false;
+             auto extreme = [](const nlohmann::json& v) {
+                 if (v.is_number_integer())
+                     return v.is_number_unsigned() ? v.get<uint64_t>() == uint64_t(INT64_MAX)
+                                                   : (v.get<int64_t>() == INT64_MAX || v.get<int64_t>() == INT64_MIN);
+                 return v.is_number() && std::fabs(v.get<double>()) == DBL_MAX;
+             };
+             if (!extreme(*d.theirs))
+                 return false;
+             // The target's limit is extreme on our side, or on theirs when they passed it along a chain.
+             const std::string targetName = d.facts.ElementText(d.name, "pValue");
+             for (const DumpRecords* dump : {&d.ourDump, &d.theirDump})
+             {
+                 const auto target = dump->find(targetName);
+                 if (target == dump->end())
+                     continue;
+                 for (const char* limit : {"min", "max"})
+                     if (target->second.contains(limit) && extreme(target->second[limit]))
+                         return true;
+             }
+             return false;
+         }},
         {"LargeFloatFormulaOverIntegers",
          "Converter and SwissKnife formulas are evaluated in double. The comparison engine evaluates subexpressions "
-         "whose operands are all integers in 64-bit integers, which wrap past 2^63, and takes a target whose range is "
-         "the whole 64-bit range as unbounded. Excluded for a Converter or SwissKnife whose inputs are all integer "
-         "nodes when either result reaches 1e15 in magnitude.",
+         "whose operands are all integers in 64-bit integers, which wrap past 2^63. Excluded for a Converter or "
+         "SwissKnife whose inputs are all integer nodes when either result reaches 1e15 in magnitude.",
          [](const SDifference& d) {
              if ((d.element != "Converter" && d.element != "SwissKnife") || d.ours == nullptr || d.theirs == nullptr ||
                  !d.ours->is_number() || !d.theirs->is_number())
@@ -279,11 +307,15 @@ const std::vector<SDeviation>& Deviations()
              return d.facts.InputsAreIntegers(d.name);
          }},
         {"NonPositiveIncrement",
-         "An increment is a positive number; reading one that is zero or negative is an error. The comparison engine "
-         "passes on whatever its source yields.",
+         "An increment is a positive number: reading one that is zero or negative is an error, and an integer node "
+         "without Inc has 1. The comparison engine passes on whatever its source yields (0 for an integer taking its "
+         "value from a float).",
          [](const SDifference& d) {
-             return d.field == "inc" && d.ours == nullptr && d.theirs != nullptr && d.theirs->is_number() &&
-                    d.theirs->get<double>() <= 0;
+             if (d.field != "inc" || d.theirs == nullptr || !d.theirs->is_number() || d.theirs->get<double>() > 0)
+                 return false;
+             // Ours refuses the increment, or keeps the default of 1 when the node declares none.
+             return d.ours == nullptr || (*d.ours == 1 && !d.facts.HasElement(d.name, "Inc") &&
+                                          !d.facts.HasElement(d.name, "pInc"));
          }},
         {"StructRegAccessElementsNotShared",
          "Every element of a StructReg, pIsImplemented, pIsAvailable and pIsLocked included, applies to each of its "
