@@ -73,7 +73,7 @@ void CNode::GetChildren(NodeList_t& Children, ELinkType LinkType) const {
     case ctDependingNodes: AppendUnique(Children, m_dependents); break;
     case ctValueChangingChildren: AppendUnique(Children, m_writingChildren); break;
     case ctTerminalNodes: {
-      // Registers reached through reading children.
+      // The registers a node's value comes from (where reading children end at a port).
       std::vector<const CNode*> stack{this};
       std::vector<const CNode*> seen;
       while (!stack.empty() && seen.size() < 100000) {
@@ -81,8 +81,9 @@ void CNode::GetChildren(NodeList_t& Children, ELinkType LinkType) const {
         stack.pop_back();
         if (std::find(seen.begin(), seen.end(), node) != seen.end()) continue;
         seen.push_back(node);
-        if (node->HasCache() && node->m_readingChildren.empty()) {
+        if (dynamic_cast<const IRegister*>(node) != nullptr) {
           Children.push_back(const_cast<CNode*>(node));
+          continue;
         }
         for (CNode* child : node->m_readingChildren) stack.push_back(child);
       }

@@ -1,6 +1,8 @@
 // CNodeMapImpl: node ownership, lookup, connection of ports, change propagation, polling, locking.
 #include "nodes/NodeMap.h"
 
+#include <algorithm>
+
 #include "formula/Formula.h"
 #include "nodes/ValueNodes.h"
 
@@ -25,36 +27,42 @@ void CNodeMapImpl::Leave() const {
   m_lock.Unlock();
 }
 
+namespace {
+struct CPendingCall {
+  CNode* node;
+  CNodeCallback* callback;
+};
+
+// A callback may deregister itself or another one: call only those still registered.
+void Call(const CPendingCall& call, ECallbackType type) {
+  const auto& registered = call.node->m_callbacks;
+  if (std::find(registered.begin(), registered.end(), call.callback) == registered.end()) return;
+  try {
+    (*call.callback)(type);
+  } catch (...) {
+    // A failing application callback must not break the access that triggered it.
+  }
+}
+}  // namespace
+
 void CNodeMapImpl::FlushNotifications() const {
   std::vector<CNode*> nodes;
   nodes.swap(m_pendingNotify);
-  std::vector<CNodeCallback*> inside;
-  std::vector<CNodeCallback*> outside;
+  std::vector<CPendingCall> inside;
+  std::vector<CPendingCall> outside;
   for (CNode* node : nodes) {
     node->m_notifyPending = false;
     for (CNodeCallback* callback : node->m_callbacks) {
-      (callback->GetCallbackType() == cbPostOutsideLock ? outside : inside).push_back(callback);
+      (callback->GetCallbackType() == cbPostOutsideLock ? outside : inside).push_back({node, callback});
     }
   }
-  for (CNodeCallback* callback : inside) {
-    try {
-      (*callback)(cbPostInsideLock);
-    } catch (...) {
-      // A failing application callback must not break the access that triggered it.
-    }
-  }
+  for (const CPendingCall& call : inside) Call(call, cbPostInsideLock);
   if (outside.empty()) return;
-  // Release the lock completely for the outside callbacks, then take it back as it was.
+  // Release the lock for the outside callbacks, then take it back as it was.
   const int depth = m_entryDepth;
   m_entryDepth = 0;
   m_lock.Unlock();
-  for (CNodeCallback* callback : outside) {
-    try {
-      (*callback)(cbPostOutsideLock);
-    } catch (...) {
-      // A failing application callback must not break the access that triggered it.
-    }
-  }
+  for (const CPendingCall& call : outside) Call(call, cbPostOutsideLock);
   m_lock.Lock();
   m_entryDepth = depth;
 }

@@ -171,6 +171,19 @@ TEST(Callbacks, ThrowingCallbackDoesNotBreakTheWrite) {
   EXPECT_EQ(CIntegerPtr(t.Node("A"))->GetValue(), 3);
 }
 
+TEST(Callbacks, ACallbackMayDeregisterAnother) {
+  CTestMap t("<Integer Name='A'><Value>0</Value></Integer>");
+  INode* node = t.Node("A");
+  int secondCalls = 0;
+  CallbackHandleType second = 0;
+  Register(node, [&](INode* n) { n->DeregisterCallback(second); });
+  second = Register(node, [&](INode*) { ++secondCalls; });
+  CIntegerPtr(node)->SetValue(1);
+  EXPECT_EQ(secondCalls, 0) << "deregistered before its turn";
+  CIntegerPtr(node)->SetValue(2);
+  EXPECT_EQ(secondCalls, 0);
+}
+
 TEST(Selectors, SelectedFeaturesAndInvalidation) {
   CTestMap t("<Integer Name='Sel'><pSelected>Gain</pSelected><Value>0</Value></Integer>"
              "<Integer Name='Gain'><pValue>GainReg</pValue></Integer>"
