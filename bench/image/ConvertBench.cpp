@@ -4,8 +4,8 @@
 //   convert_bench --summary       one line per comparison:
 //                                 <routine> <width>x<height> ratio=<reference time / our time> reference=<name>
 //
-// Both sides of a comparison run in the same process, interleaved, on the same input and output buffers; the
-// summary takes each side's fastest batch, which is the least disturbed by other work on the machine.
+// Both sides of a comparison run in the same process, interleaved call by call, on the same input and output
+// buffers; the summary compares each side's fastest call, the one least disturbed by other work on the machine.
 #include "image/Demosaic.h"
 #include "image/ImgTool.h"
 #include "image/PixelFormats.h"
@@ -249,30 +249,33 @@ std::vector<SComparison> MakeComparisons(std::vector<std::unique_ptr<SBuffers>>&
   return list;
 }
 
-double SecondsOf(const std::function<void()>& work, int repetitions) {
+double SecondsOfOneCall(const std::function<void()>& work) {
   const auto start = std::chrono::steady_clock::now();
-  for (int i = 0; i < repetitions; ++i) {
-    work();
-  }
+  work();
   benchmark::ClobberMemory();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count() / repetitions;
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
 int RunSummary() {
   std::vector<std::unique_ptr<SBuffers>> keep;
   const auto comparisons = MakeComparisons(keep);
   for (const auto& comparison : comparisons) {
-    comparison.ours();
-    comparison.theirs();
-    // Batches of about 5 ms, alternating the two sides; the fastest batch of each side counts, as the one least
-    // disturbed by other processes on a shared machine.
-    const double single = std::max(SecondsOf(comparison.ours, 1), 1e-7);
-    const int repetitions = std::max(1, static_cast<int>(0.005 / single));
+    for (int warmUp = 0; warmUp < 3; ++warmUp) {
+      comparison.ours();
+      comparison.theirs();
+    }
+    // Single calls, alternating the two sides, for about half a second; each side's fastest call counts.
+    // A single call is rarely interrupted, so on a machine shared with other work the fastest call is
+    // still an undisturbed one, where the average of a batch would not be.
     double ours = 1e9;
     double theirs = 1e9;
-    for (int batch = 0; batch < 31; ++batch) {
-      ours = std::min(ours, SecondsOf(comparison.ours, repetitions));
-      theirs = std::min(theirs, SecondsOf(comparison.theirs, repetitions));
+    double spent = 0;
+    for (int pair = 0; pair < 3000 && (pair < 15 || spent < 0.5); ++pair) {
+      const double oursNow = SecondsOfOneCall(comparison.ours);
+      const double theirsNow = SecondsOfOneCall(comparison.theirs);
+      ours = std::min(ours, oursNow);
+      theirs = std::min(theirs, theirsNow);
+      spent += oursNow + theirsNow;
     }
     std::printf("%s %ux%u ratio=%.2f reference=%s ours_ms=%.3f reference_ms=%.3f\n", comparison.routine.c_str(),
                 comparison.size.width, comparison.size.height, theirs / ours, comparison.reference.c_str(),
