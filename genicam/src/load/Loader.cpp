@@ -304,6 +304,7 @@ std::unique_ptr<CNodeMapImpl> LoadNodeMap(const char* text, size_t size, const s
   for (auto& owned : map->AllNodes()) {
     auto* port = dynamic_cast<CPortNode*>(owned.get());
     if (port != nullptr && port->IsChunkPort()) map->ChunkPorts().push_back(port);
+    if (owned->GetPollingTime() > 0) map->PolledNodes().push_back(owned.get());
   }
   return map;
 }

@@ -102,7 +102,7 @@ void CEnumerationNode::GetEntries(NodeList_t& Entries) {
 
 void CEnumerationNode::SetIntValue(int64_t Value, bool Verify) {
   CEntryGuard guard(m_map);
-  CheckWritable();
+  CheckWritable(std::to_string(Value));
   SetInt(Value, Verify);
 }
 
@@ -143,7 +143,7 @@ gcstring CEnumerationNode::ToString(bool Verify, bool IgnoreCache) {
 
 void CEnumerationNode::FromString(const gcstring& ValueStr, bool Verify) {
   CEntryGuard guard(m_map);
-  CheckWritable();
+  CheckWritable(ValueStr);
   CEnumEntryNode* entry = BySymbolic(ValueStr);
   if (entry == nullptr) {
     throw INVALID_ARGUMENT_EXCEPTION("Node '%s': no entry is named '%s'", m_name.c_str(), ValueStr.c_str());

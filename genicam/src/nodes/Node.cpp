@@ -251,6 +251,14 @@ void CNode::CheckWritable() {
   }
 }
 
+void CNode::CheckWritable(const std::string& valueText) {
+  const EAccessMode mode = ComputeAccessMode();
+  if (mode != WO && mode != RW) {
+    throw ACCESS_EXCEPTION("Node '%s' is not writable (access mode %s): value %s not written", m_name.c_str(),
+                           AccessModeName(mode), valueText.c_str());
+  }
+}
+
 void CNode::ValueChanged() { m_map.PropagateChange(this, false); }
 
 void CNode::Configure(CLoadContext& context, const pugi::xml_node& element) {

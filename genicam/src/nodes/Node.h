@@ -128,6 +128,8 @@ public:
   // Throws AccessException unless readable / writable.
   void CheckReadable();
   void CheckWritable();
+  // The same, naming the value that could not be written.
+  void CheckWritable(const std::string& valueText);
   // Runs after a successful write through this node: invalidation of dependents and callbacks.
   void ValueChanged();
 

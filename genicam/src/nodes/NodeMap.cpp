@@ -118,13 +118,11 @@ bool CNodeMapImpl::Connect(IPort* pPort) const { return Connect(pPort, "Device")
 
 void CNodeMapImpl::Poll(int64_t ElapsedTime) {
   CEntryGuard guard(*this);
-  for (const auto& node : m_all) {
-    const int64_t period = node->GetPollingTime();
-    if (period <= 0) continue;
+  for (CNode* node : m_polled) {
     node->m_pollElapsed += ElapsedTime;
-    if (node->m_pollElapsed >= period) {
+    if (node->m_pollElapsed >= node->GetPollingTime()) {
       node->m_pollElapsed = 0;
-      PropagateChange(node.get(), true);
+      PropagateChange(node, true);
     }
   }
 }

@@ -47,6 +47,7 @@ public:
   const std::vector<CNode*>& NamedNodes() const { return m_named; }
   std::vector<std::unique_ptr<CNode>>& AllNodes() { return m_all; }
   std::vector<CPortNode*>& ChunkPorts() { return m_chunkPorts; }
+  std::vector<CNode*>& PolledNodes() { return m_polled; }
   std::vector<std::unique_ptr<std::vector<CNode*>>>& AddressGroups() { return m_addressGroups; }
 
   // Invalidation and callbacks after a change of `origin` (its own cache is kept unless dropOrigin).
@@ -78,6 +79,7 @@ private:
   std::vector<CNode*> m_named;
   std::unordered_map<std::string_view, CNode*> m_index;
   std::vector<CPortNode*> m_chunkPorts;
+  std::vector<CNode*> m_polled;
   std::vector<std::unique_ptr<std::vector<CNode*>>> m_addressGroups;
   uint32_t m_epoch = 0;
   std::vector<CNode*> m_queue;

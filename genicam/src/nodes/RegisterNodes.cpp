@@ -382,7 +382,7 @@ int64_t CIntRegNode::GetIntMax() {
 
 void CIntRegNode::SetValue(int64_t Value, bool Verify) {
   CEntryGuard guard(m_map);
-  CheckWritable();
+  CheckWritable(std::to_string(Value));
   SetInt(Value, Verify);
 }
 
@@ -503,7 +503,7 @@ int64_t CFloatRegNode::GetIntMax() { return ClampToInt64(GetFloatMax()); }
 
 void CFloatRegNode::SetValue(double Value, bool Verify) {
   CEntryGuard guard(m_map);
-  CheckWritable();
+  CheckWritable(FloatToText(Value));
   SetFloat(Value, Verify);
 }
 double CFloatRegNode::GetValue(bool Verify, bool IgnoreCache) {
@@ -566,7 +566,7 @@ void CStringRegNode::SetStr(const std::string& value, bool) {
 
 void CStringRegNode::SetValue(const gcstring& Value, bool Verify) {
   CEntryGuard guard(m_map);
-  CheckWritable();
+  CheckWritable("'" + Value.substr(0, 64) + "'");
   SetStr(Value, Verify);
 }
 

@@ -142,7 +142,7 @@ void CIntegerBase::Verify(int64_t value, bool checkInc) {
 
 void CIntegerBase::SetValue(int64_t Value, bool Verify) {
   CEntryGuard guard(m_map);
-  CheckWritable();
+  CheckWritable(std::to_string(Value));
   SetInt(Value, Verify);
 }
 
@@ -235,7 +235,7 @@ void CFloatBase::Verify(double value) { CheckFloatRange(*this, value, GetFloatMi
 
 void CFloatBase::SetValue(double Value, bool Verify) {
   CEntryGuard guard(m_map);
-  CheckWritable();
+  CheckWritable(FloatToText(Value));
   SetFloat(Value, Verify);
 }
 
@@ -415,7 +415,7 @@ bool CBooleanNode::GetValue(bool, bool IgnoreCache) const {
 
 void CBooleanNode::SetValue(bool Value, bool Verify) {
   CEntryGuard guard(m_map);
-  CheckWritable();
+  CheckWritable(Value ? "true" : "false");
   SetInt(Value ? 1 : 0, Verify);
 }
 
@@ -505,7 +505,7 @@ void CStringNode::SetStr(const std::string& value, bool verify) {
 
 void CStringNode::SetValue(const gcstring& Value, bool Verify) {
   CEntryGuard guard(m_map);
-  CheckWritable();
+  CheckWritable("'" + Value.substr(0, 64) + "'");
   SetStr(Value, Verify);
 }
 

@@ -38,9 +38,10 @@ TEST(Access, ImposedAccessModeAndReadOnlyRegisters) {
              "<pPort>Device</pPort></IntReg>");
   EXPECT_EQ(CIntegerPtr(t.Node("I"))->GetAccessMode(), GenApi::RO);
   EXPECT_EQ(CIntegerPtr(t.Node("J"))->GetAccessMode(), GenApi::RO);
-  const std::string error = ErrorOf([&] { CIntegerPtr(t.Node("J"))->SetValue(1); });
+  const std::string error = ErrorOf([&] { CIntegerPtr(t.Node("J"))->SetValue(17); });
   EXPECT_NE(error.find("'J'"), std::string::npos) << error;
   EXPECT_NE(error.find("not writable"), std::string::npos) << error;
+  EXPECT_NE(error.find("value 17"), std::string::npos) << error;
 }
 
 TEST(Access, TheTargetsModeReachesTheFeature) {
