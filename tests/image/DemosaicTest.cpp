@@ -3,6 +3,7 @@
 #include "TestImages.h"
 
 #include <array>
+#include <algorithm>
 #include <cstring>
 
 namespace TALVIR::Pixel {
@@ -132,6 +133,23 @@ TEST(Demosaic, FastVersionsMatchTheReference) {
         EXPECT_EQ(avx2, expected) << Testing::Describe(size) << " pattern " << static_cast<int>(pattern);
       }
 #endif
+    }
+  }
+}
+
+TEST(Demosaic, FastVersionsMatchAtEveryBufferAlignment) {
+  const uint32_t w = 101;
+  const uint32_t h = 4;
+  const auto in = Testing::RandomBytes(w * h, 77);
+  for (EBayer pattern : kPatterns) {
+    std::vector<uint8_t> expected(w * h * 3);
+    ASSERT_TRUE(Reference::Demosaic(in.data(), expected.data(), w, h, pattern));
+    for (uint32_t offset = 0; offset < 32; ++offset) {
+      Testing::COffsetBuffer source(w * h, offset, 0);
+      std::copy(in.begin(), in.end(), source.Data());
+      Testing::COffsetBuffer out(w * h * 3, (offset * 7) % 32, 0x5A);
+      ASSERT_TRUE(Demosaic(source.Data(), out.Data(), w, h, pattern));
+      EXPECT_EQ(out.Contents(), expected) << "offset " << offset;
     }
   }
 }

@@ -2,6 +2,8 @@
 
 #include "TestImages.h"
 
+#include <algorithm>
+
 namespace TALVIR::Pixel {
 namespace {
 
@@ -42,6 +44,21 @@ TEST(SwapRedBlue, FastVersionsMatchTheReference) {
       EXPECT_EQ(avx2, expected) << Testing::Describe(size);
     }
 #endif
+  }
+}
+
+TEST(SwapRedBlue, FastVersionsMatchAtEveryBufferAlignment) {
+  const uint32_t w = 150;
+  const uint32_t h = 3;
+  const auto in = Testing::RandomBytes(w * h * 3, 78);
+  std::vector<uint8_t> expected(w * h * 3);
+  ASSERT_TRUE(Reference::SwapRedBlue(in.data(), expected.data(), w, h));
+  for (uint32_t offset = 0; offset < 32; ++offset) {
+    Testing::COffsetBuffer source(in.size(), (offset * 5) % 32, 0);
+    std::copy(in.begin(), in.end(), source.Data());
+    Testing::COffsetBuffer out(in.size(), offset, 0x5A);
+    ASSERT_TRUE(SwapRedBlue(source.Data(), out.Data(), w, h));
+    EXPECT_EQ(out.Contents(), expected) << "offset " << offset;
   }
 }
 

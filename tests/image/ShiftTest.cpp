@@ -2,6 +2,8 @@
 
 #include "TestImages.h"
 
+#include <algorithm>
+
 namespace TALVIR::Pixel {
 namespace {
 
@@ -69,6 +71,23 @@ TEST(ShiftTo8, FastVersionsMatchTheReference) {
         EXPECT_EQ(avx2, expected) << Testing::Describe(size) << " bits " << bits;
       }
 #endif
+    }
+  }
+}
+
+TEST(ShiftTo8, FastVersionsMatchAtEveryBufferAlignment) {
+  const uint32_t w = 300;
+  const uint32_t h = 1;
+  const auto in = Testing::RandomBytes(2 * w * h, 79);
+  for (uint32_t bits : {10u, 16u}) {
+    std::vector<uint8_t> expected(w * h);
+    ASSERT_TRUE(Reference::ShiftTo8(in.data(), expected.data(), w, h, bits));
+    for (uint32_t offset = 0; offset < 32; ++offset) {
+      Testing::COffsetBuffer source(in.size(), offset, 0);
+      std::copy(in.begin(), in.end(), source.Data());
+      Testing::COffsetBuffer out(w * h, (offset * 3) % 32, 0x5A);
+      ASSERT_TRUE(ShiftTo8(source.Data(), out.Data(), w, h, bits));
+      EXPECT_EQ(out.Contents(), expected) << "offset " << offset << " bits " << bits;
     }
   }
 }

@@ -46,3 +46,24 @@ inline std::string Describe(const SSize& size) {
 }
 
 } // namespace TALVIR::Testing
+
+namespace TALVIR::Testing {
+
+// A buffer whose data starts `offset` bytes past a 64-byte boundary, so that tests can place images at every
+// alignment the vector routines treat differently. The bytes before and after are not part of the image.
+class COffsetBuffer {
+public:
+  COffsetBuffer(uint64_t size, uint32_t offset, uint8_t fill) : m_storage(size + offset + 64, fill), m_size(size) {
+    const auto base = reinterpret_cast<uintptr_t>(m_storage.data());
+    m_data = m_storage.data() + ((64 - base % 64) % 64) + offset;
+  }
+  uint8_t* Data() { return m_data; }
+  std::vector<uint8_t> Contents() const { return std::vector<uint8_t>(m_data, m_data + m_size); }
+
+private:
+  std::vector<uint8_t> m_storage;
+  uint8_t* m_data;
+  uint64_t m_size;
+};
+
+} // namespace TALVIR::Testing
