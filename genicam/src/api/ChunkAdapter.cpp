@@ -8,7 +8,12 @@
 
 namespace GenApi {
 
-struct CChunkAdapterGenTL::CImpl {
+// The adapter forgets its node map when the map is destroyed first, so that a late DetachBuffer does no harm.
+struct CChunkAdapterGenTL::CImpl final : Engine::IMapObserver {
+  void NodeMapDestroyed() override {
+    map = nullptr;
+    base = nullptr;
+  }
   Engine::CNodeMapImpl* map = nullptr;
   const uint8_t* base = nullptr;
 };
@@ -37,11 +42,13 @@ void CChunkAdapterGenTL::AttachNodeMap(INodeMap* pNodeMap) {
   auto* map = dynamic_cast<Engine::CNodeMapImpl*>(pNodeMap);
   if (map == nullptr) throw INVALID_ARGUMENT_EXCEPTION("The chunk adapter needs a node map of this library");
   m_pImpl->map = map;
+  map->AddObserver(m_pImpl);
 }
 
 void CChunkAdapterGenTL::DetachNodeMap() {
   if (m_pImpl->map == nullptr) return;
   DetachBuffer();
+  m_pImpl->map->RemoveObserver(m_pImpl);
   m_pImpl->map = nullptr;
 }
 

@@ -11,7 +11,24 @@ namespace Engine {
 
 CNodeMapImpl::CNodeMapImpl(std::string deviceName) : m_deviceName(std::move(deviceName)) {}
 
-CNodeMapImpl::~CNodeMapImpl() = default;
+CNodeMapImpl::~CNodeMapImpl() {
+  std::vector<IMapObserver*> observers;
+  {
+    CEntryGuard guard(*this);
+    observers.swap(m_observers);
+  }
+  for (IMapObserver* observer : observers) observer->NodeMapDestroyed();
+}
+
+void CNodeMapImpl::AddObserver(IMapObserver* observer) {
+  CEntryGuard guard(*this);
+  m_observers.push_back(observer);
+}
+
+void CNodeMapImpl::RemoveObserver(IMapObserver* observer) {
+  CEntryGuard guard(*this);
+  m_observers.erase(std::remove(m_observers.begin(), m_observers.end(), observer), m_observers.end());
+}
 
 void CNodeMapImpl::Enter() const {
   m_lock.Lock();

@@ -15,6 +15,15 @@ namespace Engine {
 
 class CPortNode;
 
+// Told when the node map goes away (chunk adapters hold a node map they do not own).
+class IMapObserver {
+public:
+  virtual void NodeMapDestroyed() = 0;
+
+protected:
+  ~IMapObserver() = default;
+};
+
 class CNodeMapImpl : public INodeMap, public IDestroy {
 public:
   explicit CNodeMapImpl(std::string deviceName);
@@ -48,6 +57,8 @@ public:
   std::vector<std::unique_ptr<CNode>>& AllNodes() { return m_all; }
   std::vector<CPortNode*>& ChunkPorts() { return m_chunkPorts; }
   std::vector<CNode*>& PolledNodes() { return m_polled; }
+  void AddObserver(IMapObserver* observer);
+  void RemoveObserver(IMapObserver* observer);
   std::vector<std::unique_ptr<std::vector<CNode*>>>& AddressGroups() { return m_addressGroups; }
 
   // Invalidation and callbacks after a change of `origin` (its own cache is kept unless dropOrigin).
@@ -80,6 +91,7 @@ private:
   std::unordered_map<std::string_view, CNode*> m_index;
   std::vector<CPortNode*> m_chunkPorts;
   std::vector<CNode*> m_polled;
+  std::vector<IMapObserver*> m_observers;
   std::vector<std::unique_ptr<std::vector<CNode*>>> m_addressGroups;
   uint32_t m_epoch = 0;
   std::vector<CNode*> m_queue;

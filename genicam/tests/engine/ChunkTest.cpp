@@ -91,6 +91,18 @@ TEST(Chunks, UnmatchedAndOversizedRecordsAreIgnored) {
       << "a register reaching past its chunk";
 }
 
+TEST(Chunks, AdapterOutlivingItsNodeMap) {
+  CBuffer buffer;
+  CChunkAdapterGenTL adapter;
+  {
+    CTestMap t(kChunks);
+    adapter.AttachNodeMap(t.map._Ptr);
+    adapter.AttachBuffer(buffer.bytes, buffer.records, 2);
+  }
+  adapter.DetachBuffer();  // the map is gone: nothing to do, nothing touched
+  EXPECT_FALSE(adapter.CheckBufferLayout(buffer.bytes, buffer.records, 2));
+}
+
 TEST(Chunks, AdapterWithoutNodeMap) {
   CChunkAdapterGenTL adapter;
   CBuffer buffer;
