@@ -32,6 +32,7 @@ const SWritable kWritable[] = {
     {R::kPixelFormat, 4, kLockable},
     {R::kTLParamsLocked, 4, 0},
     {R::kImageControl, 4, 0},
+    {R::kPixelBigEndian, 4, 0},
     {R::kAcquisitionMode, 4, 0},
     {R::kAcquisitionStart, 4, kCommand},
     {R::kAcquisitionStop, 4, kCommand},
@@ -119,8 +120,9 @@ CSimCamera::CSimCamera(const SConfig& library, const SDeviceConfig& config)
     : m_config(config), m_flavour(library.flavour), m_epoch(std::chrono::steady_clock::now()),
       m_registers(kRegisterFileSize, 0) {
   InitRegisters();
-  const std::string xml =
+  std::string xml =
       SelectSection(EmbeddedXml("remote.xml"), "<!--@LINESCAN_BEGIN@-->", "<!--@LINESCAN_END@-->", m_config.lineScan);
+  xml = SelectSection(xml, "<!--@PIXEL_ENDIAN_BEGIN@-->", "<!--@PIXEL_ENDIAN_END@-->", m_config.pixelBigEndianNode);
   m_description = MakeDescription("TalvirSim" + m_config.model, xml, R::kDescriptionAddress, m_config.xmlZipped,
                                   m_config.urlScheme);
   m_description.fileMinor = 2;
@@ -360,6 +362,7 @@ void CSimCamera::ApplyWrite(uint64_t address, const uint8_t* data, size_t length
             "PixelFormat (not offered)");
     break;
   case R::kTLParamsLocked:
+  case R::kPixelBigEndian:
   case R::kChunkModeActive:
   case R::kChunkEnableBase:
   case R::kChunkEnableBase + 4:

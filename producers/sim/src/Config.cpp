@@ -74,10 +74,8 @@ SDeviceConfig DefaultDevice(EFlavour flavour, int index, bool colour) {
   device.displayName = device.model + " (" + device.serial + ")";
   device.userName = colour ? "colour" : "mono";
   device.pixelFormats = colour ? EveryFormat() : MonoFormats();
-  device.pixelFormat = colour ? 0x02180014 /* RGB8 */ : 0x01080001 /* Mono8 */;
-  if (colour) {
-    device.pixelFormat = 0x01080009;  // BayerRG8, what a colour sensor delivers raw
-  }
+  // A colour sensor delivers raw Bayer data unless asked for another format.
+  device.pixelFormat = colour ? 0x01080009 /* BayerRG8 */ : 0x01080001 /* Mono8 */;
   const int host = 11 + index;
   device.ip = "192.168.77." + std::to_string(host);
   device.gateway = "192.168.77.254";
@@ -278,6 +276,8 @@ void ReadDevice(const json& object, const std::string& path, SDeviceConfig& devi
   reader.Unsigned("eventLayoutVersion", device.eventLayoutVersion);
   reader.Bool("requireAcquisitionStart", device.requireAcquisitionStart);
   reader.Bool("zeroBufferHeight", device.zeroBufferHeight);
+  reader.Bool("legacyChunkPayload", device.legacyChunkPayload);
+  reader.Bool("pixelBigEndianNode", device.pixelBigEndianNode);
   reader.Unsigned("packetSize", device.packetSize);
   reader.Unsigned("packetSizeMin", device.packetSizeMin);
   reader.Unsigned("packetSizeMax", device.packetSizeMax);

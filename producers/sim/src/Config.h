@@ -57,6 +57,8 @@ struct SDeviceConfig {
   uint32_t eventLayoutVersion = 1;
   bool requireAcquisitionStart = true;
   bool zeroBufferHeight = false;
+  bool legacyChunkPayload = false;  // buffers report payload type CHUNK_DATA, width 0xFFFFFFFF, height = bytes
+  bool pixelBigEndianNode = false;  // the description carries pgrPixelBigEndian
   uint32_t packetSize = 1500;
   uint32_t packetSizeMin = 576;
   uint32_t packetSizeMax = 9000;

@@ -649,8 +649,14 @@ void CDataStream::BufferInfo(GenTL::BUFFER_HANDLE handle, GenTL::BUFFER_INFO_CMD
   case GenTL::BUFFER_INFO_DATA_SIZE:
     return PutSize(out, filled ? buffer.sizeFilled : 0);
   case GenTL::BUFFER_INFO_WIDTH:
+    if (m_camera->Config().legacyChunkPayload) {
+      return PutSize(out, 0xFFFFFFFF);  // no geometry: the consumer knows the width itself
+    }
     return PutSize(out, filled ? job.width : 0);
   case GenTL::BUFFER_INFO_HEIGHT:
+    if (m_camera->Config().legacyChunkPayload) {
+      return PutSize(out, filled ? buffer.sizeFilled : 0);  // the byte count, reported as height
+    }
     return PutSize(out, filled && !m_camera->Config().zeroBufferHeight ? job.height : 0);
   case GenTL::BUFFER_INFO_XOFFSET:
     return PutSize(out, filled ? job.offsetX : 0);
@@ -666,7 +672,8 @@ void CDataStream::BufferInfo(GenTL::BUFFER_HANDLE handle, GenTL::BUFFER_INFO_CMD
   case GenTL::BUFFER_INFO_IMAGEOFFSET:
     return PutSize(out, 0);
   case GenTL::BUFFER_INFO_PAYLOADTYPE:
-    return PutSize(out, GenTL::PAYLOAD_TYPE_IMAGE);
+    return PutSize(out, m_camera->Config().legacyChunkPayload ? GenTL::PAYLOAD_TYPE_CHUNK_DATA
+                                                              : GenTL::PAYLOAD_TYPE_IMAGE);
   case GenTL::BUFFER_INFO_PIXELFORMAT:
     return PutU64(out, filled && job.format ? job.format->code : 0);
   case GenTL::BUFFER_INFO_PIXELFORMAT_NAMESPACE:

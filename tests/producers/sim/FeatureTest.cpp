@@ -252,3 +252,17 @@ TEST(SimFeatures, LineScanCamerasHaveLineRatesInsteadOfFrameRates) {
   EXPECT_EQ(std::string(CEnumerationPtr(f.Node("DeviceScanType"))->ToString().c_str()), "Linescan");
   EXPECT_EQ(CIntegerPtr(f.Node("Height"))->GetValue(), 1000);
 }
+
+TEST(SimFeatures, ThePixelByteOrderSwitchExistsOnlyWhenConfigured) {
+  SFeatures plain("TalvirSimGEVTL.cti");
+  ASSERT_TRUE(plain.ok);
+  EXPECT_EQ(plain.Node("pgrPixelBigEndian"), nullptr);
+  SFeatures with("TalvirSimGEVTL.cti",
+                 R"({"interfaces":[{"id":"IF","devices":[{"id":"Cam","pixelBigEndianNode":true}]}]})");
+  ASSERT_TRUE(with.ok);
+  CBooleanPtr bigEndian = with.Node("pgrPixelBigEndian");
+  ASSERT_TRUE(bigEndian.IsValid());
+  EXPECT_FALSE(bigEndian->GetValue());
+  bigEndian->SetValue(true);
+  EXPECT_TRUE(bigEndian->GetValue(true, true));
+}

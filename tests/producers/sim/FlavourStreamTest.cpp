@@ -247,3 +247,14 @@ TEST(SimFlavourStream, ModuleNodeMapsServeIndexedRegisters) {
   size = 8;
   EXPECT_EQ(fn.GCReadPort(device.stream, 0x0004, &announced, &size), GC_ERR_INVALID_ADDRESS);
 }
+
+TEST(SimFlavourStream, LegacyChunkPayloadsCarryNoGeometry) {
+  SRun r("TalvirSim.cti", Camera(R"(,"legacyChunkPayload":true)"));
+  ASSERT_TRUE(r.Ok());
+  EVENT_HANDLE event = r.Start(2, 1);
+  EVENT_NEW_BUFFER_DATA data{};
+  ASSERT_EQ(r.Next(event, data), GC_ERR_SUCCESS);
+  EXPECT_EQ(r.device->BufferInfo<size_t>(data.BufferHandle, BUFFER_INFO_PAYLOADTYPE), size_t{PAYLOAD_TYPE_CHUNK_DATA});
+  EXPECT_EQ(r.device->BufferInfo<size_t>(data.BufferHandle, BUFFER_INFO_WIDTH), size_t{0xFFFFFFFF});
+  EXPECT_EQ(r.device->BufferInfo<size_t>(data.BufferHandle, BUFFER_INFO_HEIGHT), 64u * 16);  // the byte count
+}

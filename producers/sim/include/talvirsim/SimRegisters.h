@@ -30,6 +30,7 @@ constexpr uint64_t kPixelFormat = 0x0120;
 constexpr uint64_t kPayloadSize = 0x0124;       // read-only, computed
 constexpr uint64_t kTLParamsLocked = 0x0128;
 constexpr uint64_t kImageControl = 0x0130;      // little-endian: bit 0 ReverseX, bit 1 ReverseY (stored only)
+constexpr uint64_t kPixelBigEndian = 0x0134;    // pixel byte-order flag (stored only; present with pixelBigEndianNode)
 
 // Acquisition.
 constexpr uint64_t kAcquisitionMode = 0x0200;   // 0 Continuous, 1 SingleFrame, 2 MultiFrame
