@@ -27,7 +27,11 @@ bool SwapRedBlue(const uint8_t* source, uint8_t* destination, uint32_t width, ui
     return Avx2::SwapRedBlue(source, destination, width, height);
   }
 #endif
+#if TALVIR_IMAGE_HAS_SSE2
+  return Sse2::SwapRedBlue(source, destination, width, height);
+#else
   return Reference::SwapRedBlue(source, destination, width, height);
+#endif
 }
 
 } // namespace TALVIR::Pixel

@@ -11,6 +11,9 @@ bool SwapRedBlue(const uint8_t* source, uint8_t* destination, uint32_t width, ui
 namespace Avx2 {
 bool SwapRedBlue(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height);
 }
+namespace Sse2 {  // x86-64 only
+bool SwapRedBlue(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height);
+}
 
 bool SwapRedBlue(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height);
 

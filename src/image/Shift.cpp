@@ -30,7 +30,11 @@ bool ShiftTo8(const uint8_t* source, uint8_t* destination, uint32_t width, uint3
     return Avx2::ShiftTo8(source, destination, width, height, bits);
   }
 #endif
+#if TALVIR_IMAGE_HAS_SSE2
+  return Sse2::ShiftTo8(source, destination, width, height, bits);
+#else
   return Reference::ShiftTo8(source, destination, width, height, bits);
+#endif
 }
 
 } // namespace TALVIR::Pixel

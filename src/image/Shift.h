@@ -14,6 +14,9 @@ bool ShiftTo8(const uint8_t* source, uint8_t* destination, uint32_t width, uint3
 namespace Avx2 {
 bool ShiftTo8(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height, uint32_t bits);
 }
+namespace Sse2 {  // x86-64 only
+bool ShiftTo8(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height, uint32_t bits);
+}
 
 // The fastest implementation this CPU supports.
 bool ShiftTo8(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height, uint32_t bits);

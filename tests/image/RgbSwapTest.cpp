@@ -37,6 +37,11 @@ TEST(SwapRedBlue, FastVersionsMatchTheReference) {
     auto dispatched = Testing::Prefilled(bytes);
     ASSERT_TRUE(SwapRedBlue(in.data(), dispatched.data(), size.width, size.height));
     EXPECT_EQ(dispatched, expected) << Testing::Describe(size);
+#if TALVIR_IMAGE_HAS_SSE2
+    auto sse2 = Testing::Prefilled(bytes);
+    ASSERT_TRUE(Sse2::SwapRedBlue(in.data(), sse2.data(), size.width, size.height));
+    EXPECT_EQ(sse2, expected) << Testing::Describe(size);
+#endif
 #if TALVIR_IMAGE_HAS_AVX2
     if (Testing::HaveAvx2()) {
       auto avx2 = Testing::Prefilled(bytes);
@@ -57,8 +62,12 @@ TEST(SwapRedBlue, FastVersionsMatchAtEveryBufferAlignment) {
     Testing::COffsetBuffer source(in.size(), (offset * 5) % 32, 0);
     std::copy(in.begin(), in.end(), source.Data());
     Testing::COffsetBuffer out(in.size(), offset, 0x5A);
-    ASSERT_TRUE(SwapRedBlue(source.Data(), out.Data(), w, h));
-    EXPECT_EQ(out.Contents(), expected) << "offset " << offset;
+    for (bool vector : {true, false}) {  // the AVX2 routine, then the one used without AVX2
+      SetAvx2AllowedForTesting(vector);
+      ASSERT_TRUE(SwapRedBlue(source.Data(), out.Data(), w, h));
+      EXPECT_EQ(out.Contents(), expected) << "offset " << offset << " vector " << vector;
+    }
+    SetAvx2AllowedForTesting(true);
   }
 }
 

@@ -64,6 +64,11 @@ TEST(ShiftTo8, FastVersionsMatchTheReference) {
       auto dispatched = Testing::Prefilled(count);
       ASSERT_TRUE(ShiftTo8(in.data(), dispatched.data(), size.width, size.height, bits));
       EXPECT_EQ(dispatched, expected) << Testing::Describe(size) << " bits " << bits;
+#if TALVIR_IMAGE_HAS_SSE2
+      auto sse2 = Testing::Prefilled(count);
+      ASSERT_TRUE(Sse2::ShiftTo8(in.data(), sse2.data(), size.width, size.height, bits));
+      EXPECT_EQ(sse2, expected) << Testing::Describe(size) << " bits " << bits;
+#endif
 #if TALVIR_IMAGE_HAS_AVX2
       if (Testing::HaveAvx2()) {
         auto avx2 = Testing::Prefilled(count);
@@ -86,8 +91,12 @@ TEST(ShiftTo8, FastVersionsMatchAtEveryBufferAlignment) {
       Testing::COffsetBuffer source(in.size(), offset, 0);
       std::copy(in.begin(), in.end(), source.Data());
       Testing::COffsetBuffer out(w * h, (offset * 3) % 32, 0x5A);
-      ASSERT_TRUE(ShiftTo8(source.Data(), out.Data(), w, h, bits));
-      EXPECT_EQ(out.Contents(), expected) << "offset " << offset << " bits " << bits;
+      for (bool vector : {true, false}) {  // the AVX2 routine, then the one used without AVX2
+        SetAvx2AllowedForTesting(vector);
+        ASSERT_TRUE(ShiftTo8(source.Data(), out.Data(), w, h, bits));
+        EXPECT_EQ(out.Contents(), expected) << "offset " << offset << " bits " << bits << " vector " << vector;
+      }
+      SetAvx2AllowedForTesting(true);
     }
   }
 }
