@@ -558,9 +558,24 @@ void CSimCamera::StreamStopped() {
 }
 
 SFrameGate CSimCamera::Gate() {
+  std::lock_guard<std::mutex> lock(m_mutex);
+  return GateLocked();
+}
+
+bool CSimCamera::StartFrame(SFrameJob& job) {
+  std::lock_guard<std::mutex> lock(m_mutex);
+  return StartFrameLocked(job);
+}
+
+bool CSimCamera::Poll(bool startUntimed, SFrameJob& job, SFrameGate& gate) {
+  std::lock_guard<std::mutex> lock(m_mutex);
+  gate = GateLocked();
+  return startUntimed && gate.open && !gate.timed && StartFrameLocked(job);
+}
+
+SFrameGate CSimCamera::GateLocked() const {
   SFrameGate gate;
   gate.lost = m_lost;
-  std::lock_guard<std::mutex> lock(m_mutex);
   const bool started = m_acquiring || !m_config.requireAcquisitionStart;
   const uint32_t mode = Get32(R::kAcquisitionMode);
   const bool framesLeft = mode == 0 || m_framesLeft > 0 || !m_config.requireAcquisitionStart;
@@ -581,8 +596,7 @@ SFrameGate CSimCamera::Gate() {
   return gate;
 }
 
-bool CSimCamera::StartFrame(SFrameJob& job) {
-  std::lock_guard<std::mutex> lock(m_mutex);
+bool CSimCamera::StartFrameLocked(SFrameJob& job) {
   if (m_lost) {
     return false;
   }

@@ -80,6 +80,9 @@ public:
   SFrameGate Gate();
   // Starts a frame if the gate is open; false when it closed meanwhile.
   bool StartFrame(SFrameJob& job);
+  // Gate() and, when the gate is open, untimed and `startUntimed` is set, StartFrame() under one lock: the free-running
+  // generator's per-frame call.
+  bool Poll(bool startUntimed, SFrameJob& job, SFrameGate& gate);
   // Counts a frame that was delivered; raises its events and applies the loss-after-N fault.
   void FrameDelivered(const SFrameJob& job);
 
@@ -99,6 +102,8 @@ private:
   void SetLE32(uint64_t address, uint32_t value);
   void InitRegisters();
   size_t PayloadSizeLocked() const;
+  SFrameGate GateLocked() const;
+  bool StartFrameLocked(SFrameJob& job);
   void ApplyWrite(uint64_t address, const uint8_t* data, size_t length, std::vector<std::function<void()>>& after);
   void FireExposureEnd(uint64_t frameId, uint64_t timestamp);
   void CallWake();

@@ -187,6 +187,7 @@ private:
   CBuffer* FindLocked(GenTL::BUFFER_HANDLE handle);
   void Wake();
   void Generate();
+  bool InputSufficientLocked() const;
   void FillBuffer(CBuffer& buffer, const SFrameJob& job);
   void StopLocked(std::unique_lock<std::mutex>& lock, bool kill);
 

@@ -205,7 +205,7 @@ void CDataStream::Queue(GenTL::BUFFER_HANDLE handle) {
     buffer->state = CBuffer::EState::Input;
     buffer->newData = false;
     m_input.push_back(buffer);
-    wake = m_generatorWaiting;
+    wake = m_generatorWaiting && InputSufficientLocked();
   }
   if (wake) {
     m_generatorCv.notify_one();
@@ -322,31 +322,66 @@ void CDataStream::StopLocked(std::unique_lock<std::mutex>& lock, bool kill) {
   m_running = false;
 }
 
+// The generator holds the stream's lock only to move buffers between queues; the camera is asked without it. In free
+// run each frame costs two passes under the lock: one that reserves the next buffer, one that delivers the frame.
 void CDataStream::Generate() {
   std::unique_lock<std::mutex> lock(m_mutex);
   Clock::time_point due{};
+  CBuffer* reserved = nullptr;  // taken from the input queue for the next frame
+  SFrameJob delivered;          // the last delivered frame, reported to the camera outside the lock
+  bool reportDelivered = false;
+  auto giveBack = [&] {
+    if (reserved != nullptr) {
+      reserved->state = CBuffer::EState::Input;
+      m_input.push_front(reserved);
+      reserved = nullptr;
+    }
+  };
   while (!m_stopRequested) {
+    if (reserved == nullptr && !m_input.empty()) {
+      reserved = m_input.front();
+      m_input.pop_front();
+      reserved->state = CBuffer::EState::Filling;  // counted as queued until delivered
+    }
+    const bool haveBuffer = reserved != nullptr;
     lock.unlock();
-    const SFrameGate gate = m_camera->Gate();
+    if (reportDelivered) {
+      m_camera->FrameDelivered(delivered);
+      reportDelivered = false;
+    }
+    SFrameJob job;
+    SFrameGate gate;
+    bool started = m_camera->Poll(haveBuffer, job, gate);
     lock.lock();
-    if (m_stopRequested) {
+    if (m_stopRequested || gate.lost) {
+      if (started) {
+        ++m_underruns;  // started but never delivered
+      }
       break;
     }
-    if (gate.lost) {
-      break;
-    }
-    if (!gate.open) {
-      due = Clock::time_point{};
-      m_generatorCv.wait_for(lock, std::chrono::milliseconds(20), [this] { return m_stopRequested || m_wakeFlag; });
-      m_wakeFlag = false;
-      continue;
-    }
-    if (gate.timed) {
+    if (!started) {
+      if (!gate.open) {
+        giveBack();
+        due = Clock::time_point{};
+        m_generatorCv.wait_for(lock, std::chrono::milliseconds(20), [this] { return m_stopRequested || m_wakeFlag; });
+        m_wakeFlag = false;
+        continue;
+      }
+      if (!gate.timed) {
+        // Free run without a buffer: wait until enough come back, or until the consumer runs dry.
+        giveBack();
+        m_generatorWaiting = true;
+        m_generatorCv.wait(lock, [this] { return m_stopRequested || m_wakeFlag || InputSufficientLocked(); });
+        m_generatorWaiting = false;
+        m_wakeFlag = false;
+        continue;
+      }
       const Clock::time_point now = Clock::now();
       if (due == Clock::time_point{}) {
         due = now;
       }
       if (now < due) {
+        giveBack();
         m_generatorCv.wait_until(lock, due, [this] { return m_stopRequested || m_wakeFlag; });
         m_wakeFlag = false;
         continue;  // look at the gate again: a change of frame rate or a stop may have come
@@ -355,38 +390,19 @@ void CDataStream::Generate() {
       if (due + gate.period < now) {
         due = now + gate.period;  // after a long stall, do not burst to catch up
       }
-      if (m_input.empty()) {
-        // The frame happens whether or not a buffer waits: without one it is lost.
-        SFrameJob lostJob;
-        lock.unlock();
-        const bool started = m_camera->StartFrame(lostJob);
-        lock.lock();
-        if (started) {
-          ++m_underruns;
-        }
+      lock.unlock();
+      started = m_camera->StartFrame(job);
+      lock.lock();
+      if (!started) {
         continue;
       }
-    } else if (m_input.empty()) {
-      m_generatorWaiting = true;
-      m_generatorCv.wait(lock, [this] { return m_stopRequested || m_wakeFlag || !m_input.empty(); });
-      m_generatorWaiting = false;
-      m_wakeFlag = false;
-      continue;
+      if (reserved == nullptr) {
+        ++m_underruns;  // the frame happens whether or not a buffer waits: without one it is lost
+        continue;
+      }
     }
-    SFrameJob job;
-    lock.unlock();
-    const bool started = m_camera->StartFrame(job);
-    lock.lock();
-    if (!started) {
-      continue;
-    }
-    if (m_input.empty() || m_stopRequested) {
-      ++m_underruns;  // the buffer went away (flushed) while the frame started
-      continue;
-    }
-    CBuffer* buffer = m_input.front();
-    m_input.pop_front();
-    buffer->state = CBuffer::EState::Filling;
+    CBuffer* buffer = reserved;
+    reserved = nullptr;
     ++m_started;
     lock.unlock();
     FillBuffer(*buffer, job);
@@ -407,20 +423,29 @@ void CDataStream::Generate() {
     buffer->state = CBuffer::EState::Output;
     m_output.push_back(buffer);
     ++m_delivered;
-    const bool done = ++m_acquiredThisRun >= m_toAcquire;
+    delivered = job;
+    reportDelivered = true;
     if (m_consumersWaiting > 0) {
       m_consumerCv.notify_one();
     }
-    lock.unlock();
-    m_camera->FrameDelivered(job);
-    lock.lock();
-    if (done) {
+    if (++m_acquiredThisRun >= m_toAcquire) {
       break;
     }
   }
+  giveBack();
   m_generatorDone = true;
   lock.unlock();
+  if (reportDelivered) {
+    m_camera->FrameDelivered(delivered);
+  }
   m_consumerCv.notify_all();
+}
+
+bool CDataStream::InputSufficientLocked() const {
+  // Waking the generator for every returned buffer costs a thread switch per frame; a few at a time is cheaper, but
+  // never while the consumer has nothing left to take.
+  const size_t batch = std::max<size_t>(1, m_buffers.size() / 4);
+  return m_input.size() >= batch || (!m_input.empty() && m_output.empty());
 }
 
 void CDataStream::FillBuffer(CBuffer& buffer, const SFrameJob& job) {
@@ -514,6 +539,9 @@ void CDataStream::WaitNewBuffer(void* out, size_t* size, uint64_t timeoutMs) {
     }
     if (!forever && Clock::now() >= deadline) {
       Fail(GenTL::GC_ERR_TIMEOUT, "no buffer within " + std::to_string(timeoutMs) + " ms");
+    }
+    if (m_generatorWaiting && !m_input.empty()) {
+      m_generatorCv.notify_one();  // the consumer runs dry: the generator must not wait for a fuller input queue
     }
     ++m_consumersWaiting;
     if (forever) {
