@@ -1,7 +1,7 @@
 #pragma once
 // What every fuzz target does after a load: connect the seeded memory port and read every value node once, so that
 // evaluation (formulas, address arithmetic, reference chains, cycles) runs on whatever the loader accepted.
-#include "InspectNodeMap.h"
+#include "CMemoryPort.h"
 
 namespace TALVIR::Fuzz
 {

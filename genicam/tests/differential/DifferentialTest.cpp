@@ -15,8 +15,8 @@ namespace
 const std::string kCorpus = std::string(TALVIR_SHARED_DIR) + "/genicam-xml";
 const std::string kOracle = std::string(TALVIR_BIN_DIR) + "/genicam-aravis-dump";
 
-// Under the sanitizers every file costs several seconds, so only every DIFFERENTIAL_STRIDE-th file is compared
-// there (the default build compares all of them).
+// Under the sanitizers a large file costs several seconds, so only every sixth file is compared there; the default
+// build compares all of them.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr size_t kStride = 6;
 #else
