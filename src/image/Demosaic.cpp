@@ -41,6 +41,10 @@ void Put(uint8_t* out, EColour colour, unsigned value) {
 
 } // namespace
 
+uint32_t LastInteriorColumn(uint32_t width) { return (width - 2) / 2 * 2; }
+
+bool HasInterior(uint32_t width, uint32_t height) { return width >= 4 && height >= 3; }
+
 EColour ColourAt(EBayer pattern, uint32_t x, uint32_t y) {
   uint32_t redX = 0;
   uint32_t redY = 0;

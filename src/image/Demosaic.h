@@ -37,9 +37,10 @@ enum class EColour { Red, Green, Blue };
 // Colour of the sample at (x, y).
 EColour ColourAt(EBayer pattern, uint32_t x, uint32_t y);
 
-// Last interpolated column (see the border rule); only meaningful when HasInterior().
-inline uint32_t LastInteriorColumn(uint32_t width) { return (width - 2) / 2 * 2; }
-inline bool HasInterior(uint32_t width, uint32_t height) { return width >= 4 && height >= 3; }
+// Last interpolated column (see the border rule); only meaningful when HasInterior(). Not inline on purpose:
+// an inline function used by both the plain and the AVX2 files could be kept in its AVX2-compiled copy.
+uint32_t LastInteriorColumn(uint32_t width);
+bool HasInterior(uint32_t width, uint32_t height);
 
 // Interpolates the interior pixel (x, y), 1 <= x <= width - 2, 1 <= y <= height - 2, into out[0..2] (B, G, R).
 void InterpolateInterior(const uint8_t* source, uint32_t width, uint32_t x, uint32_t y, EBayer pattern, uint8_t* out);
