@@ -43,8 +43,25 @@ gcstring CNode::GetName(bool FullQualified) const {
 gcstring CNode::GetDisplayName() const { return m_displayName.empty() ? gcstring(m_name) : gcstring(m_displayName); }
 gcstring CNode::GetDeviceName() const { return m_map.GetDeviceName(); }
 
+// Invalidating a feature also drops the cached registers its value is read from, so that the next read reaches the
+// device, and everything that depends on them.
 void CNode::InvalidateNode() {
   CEntryGuard guard(m_map);
+  std::vector<CNode*> registers;
+  std::vector<CNode*> stack{this};
+  std::vector<CNode*> seen;
+  while (!stack.empty() && seen.size() < 10000) {
+    CNode* node = stack.back();
+    stack.pop_back();
+    if (std::find(seen.begin(), seen.end(), node) != seen.end()) continue;
+    seen.push_back(node);
+    if (node != this && node->HasCache()) {
+      registers.push_back(node);
+      continue;
+    }
+    for (CNode* child : node->m_readingChildren) stack.push_back(child);
+  }
+  for (CNode* reg : registers) m_map.PropagateChange(reg, true);
   m_map.PropagateChange(this, true);
 }
 

@@ -96,6 +96,16 @@ TEST(Caching, InvalidateNodesAndInvalidateNode) {
   EXPECT_EQ(r->GetValue(), 10);
 }
 
+TEST(Caching, InvalidatingAFeatureRereadsTheRegistersBelowIt) {
+  CTestMap t("<Integer Name='Width'><pValue>WidthReg</pValue></Integer>" + Reg("WidthReg", 0, "WriteThrough"));
+  CIntegerPtr width(t.Node("Width"));
+  EXPECT_EQ(width->GetValue(), 0);
+  t.port.Poke32LE(0, 640);
+  EXPECT_EQ(width->GetValue(), 0);
+  width->InvalidateNode();
+  EXPECT_EQ(width->GetValue(), 640);
+}
+
 TEST(Caching, PollingInvalidatesAfterThePollingTime) {
   CTestMap t("<IntReg Name='Temp'><Address>0</Address><Length>4</Length><AccessMode>RO</AccessMode>"
              "<pPort>Device</pPort><PollingTime>100</PollingTime></IntReg>");
