@@ -167,8 +167,8 @@ void MarkFeatures(CNodeMapImpl& map) {
 // Depth-first search without recursion; a grey node reached again closes a cycle.
 void CheckCycles(CNodeMapImpl& map) {
   auto& all = map.AllNodes();
-  std::unordered_map<const CNode*, uint8_t> colour;
-  colour.reserve(all.size() * 2);
+  for (auto& owned : all) owned->m_walkState = 0;
+  auto colour = [](CNode* node) -> uint8_t& { return node->m_walkState; };
   struct CFrame {
     CNode* node;
     size_t next;
@@ -176,20 +176,20 @@ void CheckCycles(CNodeMapImpl& map) {
   std::vector<CFrame> stack;
   for (auto& owned : all) {
     CNode* start = owned.get();
-    if (colour[start] != 0) continue;
+    if (colour(start) != 0) continue;
     stack.push_back({start, 0});
-    colour[start] = 1;
+    colour(start) = 1;
     while (!stack.empty()) {
       CFrame& frame = stack.back();
       if (frame.next >= frame.node->m_readingChildren.size()) {
-        colour[frame.node] = 2;
+        colour(frame.node) = 2;
         stack.pop_back();
         continue;
       }
       CNode* child = frame.node->m_readingChildren[frame.next++];
-      const uint8_t state = colour[child];
+      const uint8_t state = colour(child);
       if (state == 0) {
-        colour[child] = 1;
+        colour(child) = 1;
         stack.push_back({child, 0});
       } else if (state == 1) {
         std::string path;
@@ -207,30 +207,31 @@ void CheckCycles(CNodeMapImpl& map) {
 
 // A node's access mode may be remembered when no node below it is volatile. The graph is acyclic here.
 void MarkAccessCacheable(CNodeMapImpl& map) {
-  std::unordered_map<const CNode*, uint8_t> state;  // 0 unknown, 1 in progress, 2 stable, 3 volatile
-  state.reserve(map.AllNodes().size() * 2);
+  // m_walkState: 0 unknown, 1 in progress, 2 stable, 3 volatile
+  for (auto& owned : map.AllNodes()) owned->m_walkState = 0;
+  auto state = [](CNode* node) -> uint8_t& { return node->m_walkState; };
   struct CFrame {
     CNode* node;
     size_t next;
   };
   std::vector<CFrame> stack;
   for (auto& owned : map.AllNodes()) {
-    if (state[owned.get()] != 0) continue;
+    if (state(owned.get()) != 0) continue;
     stack.push_back({owned.get(), 0});
-    state[owned.get()] = 1;
+    state(owned.get()) = 1;
     while (!stack.empty()) {
       CFrame& frame = stack.back();
       if (frame.next < frame.node->m_readingChildren.size()) {
         CNode* child = frame.node->m_readingChildren[frame.next++];
-        if (state[child] == 0) {
-          state[child] = 1;
+        if (state(child) == 0) {
+          state(child) = 1;
           stack.push_back({child, 0});
         }
         continue;
       }
       bool isVolatile = frame.node->IsVolatile();
-      for (CNode* child : frame.node->m_readingChildren) isVolatile = isVolatile || state[child] != 2;
-      state[frame.node] = isVolatile ? 3 : 2;
+      for (CNode* child : frame.node->m_readingChildren) isVolatile = isVolatile || state(child) != 2;
+      state(frame.node) = isVolatile ? 3 : 2;
       frame.node->m_accessCacheable = !isVolatile;
       stack.pop_back();
     }

@@ -144,6 +144,7 @@ public:
   std::vector<CNode*>* m_pAddressGroup = nullptr;  // registers at the same fixed address of the same port
   std::vector<CNodeCallback*> m_callbacks;
   uint32_t m_visitEpoch = 0;
+  uint8_t m_walkState = 0;  // scratch of the loader's graph walks
   bool m_notifyPending = false;
   // The access mode is remembered when nothing it depends on can change behind the engine's back (no NoCache
   // register, no polled node below it); change propagation forgets it.
