@@ -1,9 +1,8 @@
 // Parsing of integer and floating-point texts without locale dependence and without allocation.
 #include "load/NumberParsing.h"
 
+#include <charconv>
 #include <cmath>
-#include <cstdlib>
-#include <string>
 
 namespace GenApi {
 namespace Engine {
@@ -56,22 +55,22 @@ int64_t ClampToInt64(double value) {
   return static_cast<int64_t>(value);
 }
 
+// Locale-independent: an application that switched to a locale with a decimal comma still loads "1.5".
 bool ParseDouble(std::string_view text, double& value) {
   text = TrimSpaces(text);
-  if (text.empty() || text.size() > 128) return false;
+  if (text.empty()) return false;
   int64_t integer = 0;
-  if (text.find_first_of(".eEnN") == std::string_view::npos || (text.size() > 2 && (text[1] == 'x' || text[1] == 'X'))) {
+  if (text.size() > 2 && (text[1] == 'x' || text[1] == 'X' || (text.size() > 3 && (text[2] == 'x' || text[2] == 'X')))) {
     if (ParseInteger(text, integer)) {
       value = static_cast<double>(integer);
       return true;
     }
+    return false;
   }
-  char buffer[130];
-  text.copy(buffer, text.size());
-  buffer[text.size()] = '\0';
-  char* end = nullptr;
-  const double parsed = std::strtod(buffer, &end);
-  if (end != buffer + text.size()) return false;
+  if (text.front() == '+') text.remove_prefix(1);
+  double parsed = 0;
+  const auto result = std::from_chars(text.data(), text.data() + text.size(), parsed);
+  if (result.ec != std::errc() || result.ptr != text.data() + text.size()) return false;
   value = parsed;
   return true;
 }
