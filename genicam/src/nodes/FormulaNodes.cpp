@@ -147,7 +147,7 @@ bool CConverterCore::Configure(CNode& owner, CLoadContext& context, EElement id,
       else context.Fail(&owner, child, "unknown slope");
       return true;
     }
-    case EElement::IsLinear: context.YesNo(owner, child); return true;
+    case EElement::IsLinear: isLinear = context.YesNo(owner, child); return true;
     default: return false;
   }
 }
@@ -222,6 +222,19 @@ void CConverterNode::SetFloat(double value, bool verify) {
   const double converted = m_core.set.EvaluateFloat(m_core.programTo, externals, false);
   m_core.target->SetFloat(converted, verify);
   ValueChanged();
+}
+
+bool CConverterNode::HasFloatInc() {
+  if (!m_core.isLinear || !m_core.target->IsNumeric()) return false;
+  return m_core.target->IsFloatValued() ? m_core.target->HasFloatInc() : true;
+}
+
+double CConverterNode::GetFloatInc() {
+  if (!HasFloatInc()) return 0.0;
+  const double base = m_core.target->GetFloatMin();
+  const double step = m_core.target->IsFloatValued() ? m_core.target->GetFloatInc()
+                                                      : static_cast<double>(m_core.target->GetIntInc());
+  return std::fabs(From(base + step, false) - From(base, false));
 }
 
 double CConverterNode::NativeMin() {

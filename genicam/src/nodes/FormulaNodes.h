@@ -60,6 +60,7 @@ struct CConverterCore {
   int programFrom = -1;
   CNode* target = nullptr;
   ESlope slope = Automatic;
+  bool isLinear = false;
 };
 
 class CIntConverterNode : public CIntegerBase {
@@ -90,6 +91,9 @@ public:
   void SetFloat(double value, bool verify) override;
   double NativeMin() override;
   double NativeMax() override;
+  // A linear converter over a target with an increment steps by the converted increment.
+  bool HasFloatInc() override;
+  double GetFloatInc() override;
 
 private:
   double From(double to, bool ignoreCache);

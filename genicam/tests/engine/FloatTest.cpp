@@ -107,6 +107,18 @@ TEST(Converter, DecreasingSlopeSwapsTheLimits) {
   EXPECT_DOUBLE_EQ(c->GetMax(), 100.0);
 }
 
+TEST(Converter, LinearConverterStepsByTheConvertedIncrement) {
+  CTestMap t("<Converter Name='Linear'><FormulaTo>FROM * 4</FormulaTo><FormulaFrom>TO / 4</FormulaFrom>"
+             "<pValue>Raw</pValue><IsLinear>Yes</IsLinear></Converter>"
+             "<Converter Name='Other'><FormulaTo>FROM * 4</FormulaTo><FormulaFrom>TO / 4</FormulaFrom>"
+             "<pValue>Raw</pValue></Converter>"
+             "<Integer Name='Raw'><Value>8</Value><Min>0</Min><Max>100</Max><Inc>2</Inc></Integer>");
+  CFloatPtr linear(t.Node("Linear"));
+  EXPECT_TRUE(linear->HasInc());
+  EXPECT_DOUBLE_EQ(linear->GetInc(), 0.5);
+  EXPECT_FALSE(CFloatPtr(t.Node("Other"))->HasInc()) << "without IsLinear the step is not constant";
+}
+
 TEST(IntConverter, EvaluatesIn64BitIntegers) {
   CTestMap t("<IntConverter Name='C'><FormulaTo>FROM * 0x100000000</FormulaTo><FormulaFrom>TO / 0x100000000"
              "</FormulaFrom><pValue>Raw</pValue></IntConverter><Integer Name='Raw'><Value>0x300000005</Value></Integer>");
