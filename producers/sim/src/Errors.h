@@ -22,6 +22,6 @@ private:
 // The calling thread's last error, as GCGetLastError reports it.
 void SetLastError(GenTL::GC_ERROR code, const std::string& text);
 GenTL::GC_ERROR LastErrorCode();
-const std::string& LastErrorText();
+std::string LastErrorText();
 
 } // namespace TalvirSim

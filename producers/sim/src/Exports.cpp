@@ -118,7 +118,7 @@ GC_API_EXPORT GC_ERROR GC_CALLTYPE GCGetLastError(GC_ERROR* piErrorCode, char* s
     return GC_ERR_INVALID_PARAMETER;
   }
   *piErrorCode = TalvirSim::LastErrorCode();
-  const std::string& text = TalvirSim::LastErrorText();
+  const std::string text = TalvirSim::LastErrorText();
   if (sErrorText == nullptr) {
     *piSize = text.size() + 1;
     return GC_ERR_SUCCESS;
