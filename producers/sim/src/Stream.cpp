@@ -396,6 +396,11 @@ void CDataStream::Generate() {
       if (!started) {
         continue;
       }
+      if (reserved == nullptr && !m_input.empty()) {
+        reserved = m_input.front();  // queued while the frame was being started
+        m_input.pop_front();
+        reserved->state = CBuffer::EState::Filling;
+      }
       if (reserved == nullptr) {
         ++m_underruns;  // the frame happens whether or not a buffer waits: without one it is lost
         continue;
