@@ -1,6 +1,7 @@
 // genicam-differential-report: the differential comparison over a whole folder of description files, with the overall
 // agreement rate, the count of each documented deviation and every disagreement.
-//   genicam-differential-report [--seed N] [--oracle PATH] [FOLDER]
+//   genicam-differential-report [--seed N] [--writes N] [--oracle PATH] [FOLDER]
+// With --writes N, each file is compared a second time after both engines wrote N features (see CompareFile).
 #include "DifferentialRun.h"
 
 #include <iostream>
@@ -10,6 +11,7 @@ using namespace TALVIR::Tools;
 int main(int argc, char** argv)
 {
     uint64_t seed = 0;
+    size_t writes = 0;
     std::string oracle = std::string(TALVIR_BIN_DIR) + "/genicam-aravis-dump";
     std::string folder = std::string(TALVIR_SHARED_DIR) + "/genicam-xml";
     for (int i = 1; i < argc; ++i)
@@ -17,6 +19,8 @@ int main(int argc, char** argv)
         const std::string arg = argv[i];
         if (arg == "--seed" && i + 1 < argc)
             seed = std::stoull(argv[++i], nullptr, 0);
+        else if (arg == "--writes" && i + 1 < argc)
+            writes = std::stoul(argv[++i]);
         else if (arg == "--oracle" && i + 1 < argc)
             oracle = argv[++i];
         else
@@ -32,7 +36,7 @@ int main(int argc, char** argv)
     size_t failedFiles = 0;
     for (const std::string& file : files)
     {
-        const SFileComparison result = CompareFile(file, seed, oracle);
+        const SFileComparison result = CompareFile(file, seed, oracle, writes);
         if (!result.problem.empty())
         {
             ++failedFiles;
@@ -44,6 +48,13 @@ int main(int argc, char** argv)
                   << " disagree\n";
         for (const std::string& line : c.disagreements)
             std::cout << "  " << line << "\n";
+        if (!c.disagreements.empty() && !result.writes.empty())
+        {
+            std::cout << "  writes (to reproduce):";
+            for (const auto& [name, value] : result.writes)
+                std::cout << " --set " << name << "=" << value;
+            std::cout << "\n";
+        }
         total.Add(c);
     }
     const size_t disagreeing = total.features - total.agreeing - total.deviating;

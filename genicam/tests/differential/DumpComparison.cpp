@@ -119,6 +119,15 @@ std::string TheirPropagatedAccess(const std::string& name, const DumpRecords& th
     return access;
 }
 
+// The extreme of a number's type: the 64-bit integer limits or the largest finite double.
+bool IsExtreme(const nlohmann::json& v)
+{
+    if (v.is_number_integer())
+        return v.is_number_unsigned() ? v.get<uint64_t>() == uint64_t(INT64_MAX)
+                                      : (v.get<int64_t>() == INT64_MAX || v.get<int64_t>() == INT64_MIN);
+    return v.is_number() && std::fabs(v.get<double>()) == DBL_MAX;
+}
+
 int64_t IntegerText(const std::string& text, int64_t fallback)
 {
     try
@@ -268,29 +277,35 @@ const std::vector<SDeviation>& Deviations()
         {"UnboundedTargetLimitNotConverted",
          "A converter's Min and Max are its FormulaFrom applied to its target's Min and Max (swapped for a decreasing "
          "slope), whatever those are; when the target's limit is the extreme of its type (the whole 64-bit range of "
-         "an Integer with a plain Value, say), the comparison engine passes the extreme through unconverted.",
+         "an Integer with a plain Value, say), the comparison engine passes the extreme through unconverted, and so "
+         "do the nodes that take their range from that converter through pValue.",
          [](const SDifference& d) {
-             if ((d.element != "Converter" && d.element != "IntConverter") || (d.field != "min" && d.field != "max") ||
-                 d.theirs == nullptr || !d.theirs->is_number())
+             if ((d.field != "min" && d.field != "max") || d.theirs == nullptr || !IsExtreme(*d.theirs))
                  return false;
-             auto extreme = [](const nlohmann::json& v) {
-                 if (v.is_number_integer())
-                     return v.is_number_unsigned() ? v.get<uint64_t>() == uint64_t(INT64_MAX)
-                                                   : (v.get<int64_t>() == INT64_MAX || v.get<int64_t>() == INT64_MIN);
-                 return v.is_number() && std::fabs(v.get<double>()) == DBL_MAX;
-             };
-             if (!extreme(*d.theirs))
-                 return false;
-             // The target's limit is extreme on our side, or on theirs when they passed it along a chain.
-             const std::string targetName = d.facts.ElementText(d.name, "pValue");
-             for (const DumpRecords* dump : {&d.ourDump, &d.theirDump})
+             // Follow the pValue chain while the comparison engine shows the extreme, down to a converter.
+             std::string node = d.name;
+             for (int hop = 0; hop < 32 && !node.empty(); ++hop)
              {
-                 const auto target = dump->find(targetName);
-                 if (target == dump->end())
-                     continue;
-                 for (const char* limit : {"min", "max"})
-                     if (target->second.contains(limit) && extreme(target->second[limit]))
-                         return true;
+                 const std::string element = d.facts.ElementOf(node);
+                 const std::string target = d.facts.ElementText(node, "pValue");
+                 if (element == "Converter" || element == "IntConverter")
+                 {
+                     // The target's limit is extreme on our side, or on theirs when they passed it along a chain.
+                     for (const DumpRecords* dump : {&d.ourDump, &d.theirDump})
+                     {
+                         const auto it = dump->find(target);
+                         if (it == dump->end())
+                             continue;
+                         for (const char* limit : {"min", "max"})
+                             if (it->second.contains(limit) && IsExtreme(it->second[limit]))
+                                 return true;
+                     }
+                 }
+                 const auto theirTarget = d.theirDump.find(target);
+                 if (theirTarget == d.theirDump.end() || !theirTarget->second.contains(d.field) ||
+                     !IsExtreme(theirTarget->second[d.field]))
+                     return false;
+                 node = target;
              }
              return false;
          }},

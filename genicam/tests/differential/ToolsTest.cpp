@@ -1,6 +1,7 @@
 // The measuring tools themselves: the seeded register space, the dump format and options, the ZIP scan, the
 // comparison and its deviation rules, and both dump programs end to end on a small description.
 #include "DescriptionScan.h"
+#include "DifferentialRun.h"
 #include "DumpComparison.h"
 #include "FeatureDump.h"
 #include "InspectNodeMap.h"
@@ -327,6 +328,22 @@ TEST(DumpComparison, DocumentedDeviationsExcludeOnlyTheirOwnShapeOfDifference)
     // WithInc declares its Inc, so a missing one on their side is a real disagreement.
     ASSERT_EQ(c.disagreements.size(), 1u);
     EXPECT_EQ(c.disagreements[0].rfind("WithInc", 0), 0u);
+}
+
+TEST(DumpComparison, PicksOnlyWritableIntegersBothEnginesShowAlike)
+{
+    const auto ours = ParseDump(R"({"name":"A","type":"Integer","access":"RW","value":5,"min":0,"max":9,"inc":1}
+{"name":"AtMin","type":"IntReg","access":"RW","value":0,"min":0,"max":9,"inc":1}
+{"name":"ReadOnly","type":"IntReg","access":"RO","value":5,"min":0,"max":9,"inc":1}
+{"name":"Differs","type":"IntReg","access":"RW","value":5,"min":0,"max":9,"inc":1}
+{"name":"Float","type":"Float","access":"RW","value":5,"min":0,"max":9,"inc":1}
+{"name":"M","type":"MaskedIntReg","access":"RW","value":3,"min":-2,"max":3,"inc":1})");
+    auto theirs = ours;
+    theirs["Differs"]["max"] = 8;
+    const Assignments picked = PickWrites(ours, theirs, 10);
+    EXPECT_EQ(picked, (Assignments{{"A", "0"}, {"M", "-2"}}));
+    EXPECT_EQ(PickWrites(ours, theirs, 1).size(), 1u);
+    EXPECT_TRUE(PickWrites(ours, theirs, 0).empty());
 }
 
 TEST(DumpPrograms, BothEnginesDumpTheSameSmallDescription)
