@@ -5,6 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <stdlib.h>
 #include <string>
 #include <thread>
 
@@ -294,4 +297,51 @@ TEST(SimDiscovery, TheRemainingFunctionsAnswerOrSayTheyAreNotImplemented) {
   BUFFER_HANDLE composite = nullptr;
   EXPECT_EQ(fn.DSAnnounceCompositeBuffer(device.stream, 0, nullptr, nullptr, nullptr, &composite),
             GC_ERR_NOT_IMPLEMENTED);
+}
+
+TEST(SimDiscovery, ALinkBehavesAsTheNameItWasLoadedUnderAndFindsItsConfigurationBesideIt) {
+  CTempFolder folder;
+  const std::filesystem::path link = folder.Path() / "LinkedGEVTL.cti";
+  std::filesystem::create_symlink(std::filesystem::path(TALVIR_BIN_DIR) / "TalvirSim.cti", link);
+  std::ofstream(link.string() + ".json") << R"({"interfaces":[{"id":"ViaLink","devices":[{"id":"Linked"}]}]})";
+  TALVIR::Platform::CDynamicModule module(link.string());
+  ASSERT_TRUE(module.IsLoaded());
+  auto init = module.Symbol<PFN_GCInitLib>("GCInitLib");
+  auto close = module.Symbol<PFN_GCCloseLib>("GCCloseLib");
+  auto open = module.Symbol<PFN_TLOpen>("TLOpen");
+  auto interfaceId = module.Symbol<PFN_TLGetInterfaceID>("TLGetInterfaceID");
+  auto info = module.Symbol<PFN_TLGetInfo>("TLGetInfo");
+  ASSERT_EQ(init(), GC_ERR_SUCCESS);
+  TL_HANDLE system = nullptr;
+  ASSERT_EQ(open(&system), GC_ERR_SUCCESS);
+  EXPECT_EQ(InfoString([&](INFO_DATATYPE* t, void* b, size_t* s) { return info(system, TL_INFO_TLTYPE, t, b, s); }),
+            "GEV");
+  char id[64];
+  size_t size = sizeof id;
+  ASSERT_EQ(interfaceId(system, 0, id, &size), GC_ERR_SUCCESS);
+  EXPECT_STREQ(id, "ViaLink");
+  EXPECT_EQ(close(), GC_ERR_SUCCESS);
+}
+
+TEST(SimDiscovery, TheEnvironmentVariableNamesAConfigurationForEveryModule) {
+  CTempFolder folder;
+  const std::filesystem::path config = folder.Path() / "shared.json";
+  std::ofstream(config) << R"({"interfaces":[{"id":"FromEnvironment","devices":[]}]})";
+  setenv("TALVIR_SIM_CONFIG", config.string().c_str(), 1);
+  CSimModule module;
+  const GC_ERROR result = module.Init();
+  CSimModule missing;
+  setenv("TALVIR_SIM_CONFIG", (folder.Path() / "absent.json").string().c_str(), 1);
+  const GC_ERROR missingResult = missing.Init();
+  const std::string missingText = missing.LastError();
+  unsetenv("TALVIR_SIM_CONFIG");
+  ASSERT_EQ(result, GC_ERR_SUCCESS);
+  TL_HANDLE system = nullptr;
+  ASSERT_EQ(module.fn.TLOpen(&system), GC_ERR_SUCCESS);
+  char id[64];
+  size_t size = sizeof id;
+  ASSERT_EQ(module.fn.TLGetInterfaceID(system, 0, id, &size), GC_ERR_SUCCESS);
+  EXPECT_STREQ(id, "FromEnvironment");
+  EXPECT_EQ(missingResult, GC_ERR_INVALID_PARAMETER);
+  EXPECT_NE(missingText.find("TALVIR_SIM_CONFIG"), std::string::npos) << missingText;
 }
