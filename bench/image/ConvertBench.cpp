@@ -277,7 +277,7 @@ int RunSummary() {
       theirs = std::min(theirs, theirsNow);
       spent += oursNow + theirsNow;
     }
-    std::printf("%s %ux%u ratio=%.2f reference=%s ours_ms=%.3f reference_ms=%.3f\n", comparison.routine.c_str(),
+    std::printf("%s %ux%u ratio=%.2f reference=%s ours_ms=%.4f reference_ms=%.4f\n", comparison.routine.c_str(),
                 comparison.size.width, comparison.size.height, theirs / ours, comparison.reference.c_str(),
                 ours * 1e3, theirs * 1e3);
     std::fflush(stdout);

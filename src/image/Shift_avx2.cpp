@@ -39,9 +39,10 @@ __attribute__((always_inline)) inline __m256i Shift32(const uint8_t* in) {
 
 template <int Shift>
 void ShiftAll(const uint8_t* source, uint8_t* destination, uint64_t count) {
-  // Single samples until the source is 32-byte aligned, so that fewer loads straddle two cache lines.
+  // Single samples until the destination is 32-byte aligned, so that no store straddles two cache lines
+  // (measured faster than aligning the loads).
   uint64_t i = 0;
-  for (; i < count && (reinterpret_cast<uintptr_t>(source + 2 * i) & 31) != 0; ++i) {
+  for (; i < count && (reinterpret_cast<uintptr_t>(destination + i) & 31) != 0; ++i) {
     const unsigned sample = unsigned{source[2 * i]} | (unsigned{source[2 * i + 1]} << 8);
     destination[i] = static_cast<uint8_t>(sample >> Shift);
   }
