@@ -27,12 +27,6 @@ void AddFormulaDependencies(CNode& owner, CFormulaSet& set) {
   }
   set.FinishCompiling();
 }
-
-int CompileOrFail(CNode& owner, CLoadContext& context, CFormulaSet& set, const std::string& text, const char* what) {
-  (void)context;
-  (void)owner;
-  return set.Compile(text, what);
-}
 }  // namespace
 
 bool ConfigureFormulaVariable(CNode& owner, CLoadContext& context, EElement id, const pugi::xml_node& child,
@@ -81,7 +75,7 @@ bool CIntSwissKnifeNode::ConfigureElement(CLoadContext& context, EElement id, co
 
 void CIntSwissKnifeNode::FinishLoading(CLoadContext& context) {
   if (!m_hasFormula) context.Fail(this, pugi::xml_node(), "has no Formula");
-  m_program = CompileOrFail(*this, context, m_set, m_formula, "Formula");
+  m_program = m_set.Compile(m_formula, "Formula");
   AddFormulaDependencies(*this, m_set);
 }
 
@@ -108,7 +102,7 @@ bool CSwissKnifeNode::ConfigureElement(CLoadContext& context, EElement id, const
 
 void CSwissKnifeNode::FinishLoading(CLoadContext& context) {
   if (!m_hasFormula) context.Fail(this, pugi::xml_node(), "has no Formula");
-  m_program = CompileOrFail(*this, context, m_set, m_formula, "Formula");
+  m_program = m_set.Compile(m_formula, "Formula");
   AddFormulaDependencies(*this, m_set);
 }
 
