@@ -1,7 +1,7 @@
 #pragma once
 // Smart pointers to node interfaces and the access-mode helpers. A pointer built from any node pointer holds the
-// requested interface when the node implements it and is null otherwise (IsValid()); using a null pointer raises an
-// AccessException instead of crashing.
+// requested interface when the node implements it and is null otherwise (IsValid()); using a null pointer raises a
+// LogicalErrorException instead of crashing.
 #include <cstddef>
 
 #include <GenApi/INodeMap.h>
@@ -34,7 +34,7 @@ public:
   explicit operator bool() const noexcept { return m_pT != nullptr; }
   operator T*() const noexcept { return m_pT; }
   T* operator->() const {
-    if (m_pT == nullptr) throw ACCESS_EXCEPTION("Feature not present (reference not valid)");
+    if (m_pT == nullptr) throw LOGICAL_ERROR_EXCEPTION("Feature not present (reference not valid)");
     return m_pT;
   }
   T& operator*() const { return *operator->(); }

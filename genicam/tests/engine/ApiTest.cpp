@@ -21,7 +21,7 @@ TEST(Pointers, CheckedCastsAndNullUse) {
   EXPECT_FALSE(missing.IsValid());
   EXPECT_FALSE(IsReadable(missing));
   EXPECT_FALSE(IsAvailable(missing));
-  EXPECT_THROW(missing->GetValue(), GenICam::AccessException);
+  EXPECT_THROW(missing->GetValue(), GenICam::LogicalErrorException) << "a null pointer is a logical error";
   CNodePtr node = t.Node("I");
   EXPECT_EQ(node->GetPrincipalInterfaceType(), intfIInteger);
   EXPECT_TRUE(node == t.Node("I"));
