@@ -21,17 +21,19 @@ constexpr uint32_t kLargeHeight = 2048;
 double g_smallFramesPerSecond = 0;
 double g_largeBytesPerSecond = 0;
 double g_memcpyBytesPerSecond = 0;
+double g_rgbBytesPerSecond = 0;
 
-std::string FreeRunConfig(uint32_t width, uint32_t height) {
+std::string FreeRunConfig(uint32_t width, uint32_t height, const std::string& format) {
   return "{\"interfaces\":[{\"id\":\"Bench\",\"devices\":[{\"id\":\"Fast\",\"serial\":\"FAST0001\",\"sensorWidth\":" +
          std::to_string(width) + ",\"sensorHeight\":" + std::to_string(height) +
-         ",\"pixelFormats\":[\"Mono8\"],\"frameRate\":0}]}]}";
+         ",\"pixelFormats\":[\"" + format + "\"],\"frameRate\":0}]}]}";
 }
 
 // Runs the loop for the benchmark's iterations, one frame per iteration; returns false (with an error set on the
 // state) when the producer cannot be set up.
-bool RunLoop(benchmark::State& state, uint32_t width, uint32_t height, size_t bufferCount) {
-  CSimModule module("TalvirSim.cti", "TalvirSim.cti", FreeRunConfig(width, height));
+bool RunLoop(benchmark::State& state, uint32_t width, uint32_t height, size_t bufferCount,
+             const std::string& format = "Mono8") {
+  CSimModule module("TalvirSim.cti", "TalvirSim.cti", FreeRunConfig(width, height, format));
   if (module.Init() != GC_ERR_SUCCESS) {
     state.SkipWithError(("GCInitLib failed: " + module.LastError()).c_str());
     return false;
@@ -87,6 +89,15 @@ void BM_RawLoop_2448x2048_Mono8(benchmark::State& state) {
   }
 }
 
+// Colour frames are drawn from a row template plus an offset per row, not copied: how close that comes to memcpy.
+void BM_RawLoop_2448x2048_RGB8(benchmark::State& state) {
+  const double frameBytes = 3.0 * kLargeWidth * kLargeHeight;
+  if (RunLoop(state, kLargeWidth, kLargeHeight, 8, "RGB8")) {
+    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * frameBytes));
+    state.counters["frames/s"] = benchmark::Counter(static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
+  }
+}
+
 void BM_Memcpy_2448x2048(benchmark::State& state) {
   const size_t bytes = size_t{kLargeWidth} * kLargeHeight;
   // As many destinations as the loop has buffers, so both sides see the same cache behaviour.
@@ -103,6 +114,7 @@ void BM_Memcpy_2448x2048(benchmark::State& state) {
 
 BENCHMARK(BM_RawLoop_64x64_Mono8)->UseRealTime()->MinTime(1.0);
 BENCHMARK(BM_RawLoop_2448x2048_Mono8)->UseRealTime()->MinTime(1.0);
+BENCHMARK(BM_RawLoop_2448x2048_RGB8)->UseRealTime()->MinTime(1.0);
 BENCHMARK(BM_Memcpy_2448x2048)->UseRealTime()->MinTime(1.0);
 
 // Keeps the figures the summary needs while still printing the usual table.
@@ -118,8 +130,10 @@ public:
       }
       if (name.find("BM_RawLoop_64x64") == 0) {
         g_smallFramesPerSecond = 1.0 / seconds;
-      } else if (name.find("BM_RawLoop_2448x2048") == 0) {
+      } else if (name.find("BM_RawLoop_2448x2048_Mono8") == 0) {
         g_largeBytesPerSecond = double{kLargeWidth} * kLargeHeight / seconds;
+      } else if (name.find("BM_RawLoop_2448x2048_RGB8") == 0) {
+        g_rgbBytesPerSecond = 3.0 * kLargeWidth * kLargeHeight / seconds;
       } else if (name.find("BM_Memcpy") == 0) {
         g_memcpyBytesPerSecond = double{kLargeWidth} * kLargeHeight / seconds;
       }
@@ -140,6 +154,8 @@ int main(int argc, char** argv) {
   if (g_memcpyBytesPerSecond > 0) {
     std::printf("  2448x2048 Mono8 raw loop:  %.2f GB/s, memcpy of the same size %.2f GB/s, ratio %.2f (goal: at least 0.5)\n",
                 g_largeBytesPerSecond / 1e9, g_memcpyBytesPerSecond / 1e9, g_largeBytesPerSecond / g_memcpyBytesPerSecond);
+    std::printf("  2448x2048 RGB8 raw loop:   %.2f GB/s (%.2f of the memcpy rate)\n", g_rgbBytesPerSecond / 1e9,
+                g_rgbBytesPerSecond / g_memcpyBytesPerSecond);
   }
   return 0;
 }

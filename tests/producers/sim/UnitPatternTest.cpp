@@ -106,3 +106,15 @@ TEST(SimPattern, AShortBufferReceivesTheImagesBeginning) {
   FillImage(rgb, 4, 4, 0, rgbPart.data(), 4);
   EXPECT_EQ(rgbPart[4], 0xEE);
 }
+
+TEST(SimPattern, TheFastRowPathsDrawWhatThePixelByPixelPathDraws) {
+  for (const SPixelFormat& format : AllPixelFormats()) {
+    for (uint64_t frame : {uint64_t{0}, uint64_t{1}, uint64_t{37}, uint64_t{100000}}) {
+      const uint64_t width = 36;
+      const uint64_t height = 90;  // enough rows for 3y to wrap the 8-bit formats
+      std::vector<uint8_t> generic(ImageSize(format, width, height), 0xA5);
+      Detail::FillGeneric(format, width, height, frame, generic.data(), generic.size());
+      EXPECT_EQ(MakeImage(format, width, height, frame), generic) << format.name << " frame " << frame;
+    }
+  }
+}
