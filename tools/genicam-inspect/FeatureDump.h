@@ -90,6 +90,7 @@ public:
     }
 
     size_t Size() const { return m_Records.size(); }
+    bool Has(const std::string& name) const { return m_Records.count(name) != 0; }
 
 private:
     std::map<std::string, nlohmann::ordered_json> m_Records;

@@ -176,8 +176,9 @@ void CInspectNodeMap::Dump(CFeatureDump& dump, const std::vector<std::string>& o
         const auto it = m_Elements.find(name);
         if (it != m_Elements.end())
             DumpFeature(name, it->second, dump);
-        else if (m_NodeMap._GetNode(name) == nullptr)
-            CFeatureDump::NoteError(dump.Add(name, ""), "no such feature");
+        else
+            CFeatureDump::NoteError(dump.Add(name, ""), m_NodeMap._GetNode(name) == nullptr ? "no such feature"
+                                                                                          : "the node has no value to show");
     }
 }
 

@@ -230,11 +230,10 @@ void CAravisNodeMap::Dump(CFeatureDump& dump, const std::vector<std::string>& on
     const std::set<std::string> wanted(only.begin(), only.end());
     Walk(ARV_DOM_NODE(root), only.empty() ? nullptr : &wanted, dump);
     for (const std::string& name : wanted)
-    {
-        ArvGcNode* node = arv_gc_get_node(m_Gc, name.c_str());
-        if (node == nullptr)
-            CFeatureDump::NoteError(dump.Add(name, ""), "no such feature");
-    }
+        if (!dump.Has(name))
+            CFeatureDump::NoteError(dump.Add(name, ""), arv_gc_get_node(m_Gc, name.c_str()) == nullptr
+                                                            ? "no such feature"
+                                                            : "the node has no value to show");
 }
 
 void CAravisNodeMap::SetRegisterCache(bool enabled)

@@ -368,8 +368,11 @@ TEST(DumpPrograms, InspectAppliesSetsBeforeTheDumpAndReadsOnlyWhatIsAsked)
 {
     const std::string path = WriteTemporary("small-set.xml", kSmallDescription);
     std::string out;
-    ASSERT_TRUE(RunCommand("'" + kBin + "/genicam-inspect' '" + path + "' --set Width=1234 --read Width --read Missing", out));
-    EXPECT_EQ(out, "{\"name\":\"Missing\",\"type\":\"\",\"error\":\"no such feature\"}\n"
+    ASSERT_TRUE(RunCommand("'" + kBin + "/genicam-inspect' '" + path +
+                               "' --set Width=1234 --read Width --read Missing --read Device",
+                           out));
+    EXPECT_EQ(out, "{\"name\":\"Device\",\"type\":\"\",\"error\":\"the node has no value to show\"}\n"
+                   "{\"name\":\"Missing\",\"type\":\"\",\"error\":\"no such feature\"}\n"
                    "{\"name\":\"Width\",\"type\":\"Integer\",\"implemented\":true,\"available\":true,\"access\":\"RW\","
                    "\"value\":1234,\"min\":0,\"max\":65535,\"inc\":1}\n");
     std::string rejected;
