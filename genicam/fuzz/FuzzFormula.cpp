@@ -1,54 +1,11 @@
-// Fuzz target: formula text. Checked by the node map's formula parser, then evaluated inside a small description as
-// the formula of an IntSwissKnife (64-bit integers), a SwissKnife (doubles) and the FormulaFrom/FormulaTo of a
-// Converter, with variables of every suffix bound to plain nodes.
+// Fuzz target: formula text. Checked by the node map's formula parser, then evaluated inside a small description
+// (FormulaDescription.h) by every formula-carrying node type.
+#include "FormulaDescription.h"
 #include "FuzzNodeMap.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <string>
-
-namespace
-{
-// CDATA cannot hold "]]>"; split it across two sections.
-std::string AsCData(const std::string& text)
-{
-    std::string out = "<![CDATA[";
-    for (size_t i = 0; i < text.size(); ++i)
-    {
-        if (text.compare(i, 3, "]]>") == 0)
-        {
-            out += "]]]]><![CDATA[>";
-            i += 2;
-            continue;
-        }
-        out += text[i];
-    }
-    return out + "]]>";
-}
-
-std::string Description(const std::string& formula)
-{
-    const std::string f = AsCData(formula);
-    const std::string variables = R"(<pVariable Name="A">IntA</pVariable><pVariable Name="B">FloatB</pVariable>
-      <pVariable Name="E">Mode</pVariable><Constant Name="C">3</Constant><Expression Name="X">A+1</Expression>)";
-    return R"(<?xml version="1.0" encoding="utf-8"?>
-<RegisterDescription ModelName="Fuzz" VendorName="Talvir" StandardNameSpace="None" SchemaMajorVersion="1"
-    SchemaMinorVersion="1" SchemaSubMinorVersion="0" MajorVersion="1" MinorVersion="0" SubMinorVersion="0"
-    ProductGuid="00000000-0000-0000-0000-000000000000" VersionGuid="00000000-0000-0000-0000-000000000001">
-  <Integer Name="IntA"><Value>-7</Value><Min>-100</Min><Max>100</Max><Inc>1</Inc></Integer>
-  <Float Name="FloatB"><Value>2.5</Value><Min>-10</Min><Max>10</Max></Float>
-  <Enumeration Name="Mode"><EnumEntry Name="Mode_On"><Value>1</Value></EnumEntry><Value>1</Value></Enumeration>
-  <IntSwissKnife Name="IntFormula">)" + variables + "<Formula>" + f + R"(</Formula></IntSwissKnife>
-  <SwissKnife Name="FloatFormula">)" + variables + "<Formula>" + f + R"(</Formula></SwissKnife>
-  <Integer Name="Target"><Value>5</Value></Integer>
-  <IntConverter Name="IntConv">)" + variables + "<FormulaTo>" + f + "</FormulaTo><FormulaFrom>" + f +
-           R"(</FormulaFrom><pValue>Target</pValue></IntConverter>
-  <Converter Name="FloatConv">)" + variables + "<FormulaTo>" + f + "</FormulaTo><FormulaFrom>" + f +
-           R"(</FormulaFrom><pValue>Target</pValue></Converter>
-</RegisterDescription>
-)";
-}
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
@@ -58,7 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     GenApi::CNodeMapRef nodeMap;
     try
     {
-        nodeMap._LoadXMLFromString(Description(formula));
+        nodeMap._LoadXMLFromString(TALVIR::Fuzz::FormulaDescription(formula));
     }
     catch (const GenICam::GenericException&)
     {
