@@ -106,13 +106,6 @@ void CDevice::WritePort(uint64_t address, const void* buffer, size_t length) {
   CBankPort::WritePort(address, buffer, length);
 }
 
-std::shared_ptr<CEvent> CDevice::MakeEvent(GenTL::EVENT_TYPE type) {
-  if (type == GenTL::EVENT_REMOTE_DEVICE) {
-    Fail(GenTL::GC_ERR_NOT_IMPLEMENTED, "remote-device events are registered through the camera");
-  }
-  return CEventSource::MakeEvent(type);
-}
-
 void CDevice::GetInfo(GenTL::DEVICE_INFO_CMD command, const SInfoOut& out) { CameraInfo(*m_camera, command, out); }
 
 std::string CDevice::StreamId(uint32_t index) {
@@ -157,7 +150,6 @@ void CDevice::Close() {
   if (stream) {
     stream->Close();
   }
-  UnregisterAll();
   m_camera->UnregisterAll();
   m_camera->Close();
   Lib().RemoveHandle(m_remote->Handle());

@@ -71,8 +71,8 @@ private:
 // Standard device info of a camera, shared by IFGetDeviceInfo and DevGetInfo.
 void CameraInfo(CSimCamera& camera, GenTL::DEVICE_INFO_CMD command, const SInfoOut& out);
 
-// The remote device's port, handed out by DevGetPort.
-class CRemotePort : public CPortModule, public CEventSource {
+// The remote device's port, handed out by DevGetPort. Events registered on it are the camera's.
+class CRemotePort : public CPortModule {
 public:
   CRemotePort(std::shared_ptr<CSimCamera> camera, bool writable) : m_camera(std::move(camera)), m_writable(writable) {}
   void ReadPort(uint64_t address, void* buffer, size_t length) override { m_camera->Read(address, buffer, length); }
@@ -94,7 +94,8 @@ private:
   bool m_writable;
 };
 
-class CDevice : public CBankPort, public CEventSource {
+// The GenTL device module. Events registered on it are the camera's (remote-device events, errors such as a loss).
+class CDevice : public CBankPort {
 public:
   CDevice(std::shared_ptr<CInterface> parent, std::shared_ptr<CSimCamera> camera, GenTL::DEVICE_ACCESS_FLAGS flags);
   void Init();  // registers the remote port's handle; needs shared_from_this
@@ -113,9 +114,6 @@ public:
   void WritePort(uint64_t address, const void* buffer, size_t length) override;
   std::string PortId() override { return m_camera->Config().id; }
   std::string PortModuleName() override { return "TLDevice"; }
-
-protected:
-  std::shared_ptr<CEvent> MakeEvent(GenTL::EVENT_TYPE type) override;
 
 private:
   std::shared_ptr<CInterface> m_interface;
