@@ -377,25 +377,22 @@ int CFormulaSet::SlotFor(std::string_view identifier, bool& found) {
     return static_cast<int>(m_slots.size() - 1);
   }
   // The whole identifier first (names may contain dots), then "name.Suffix". Later declarations win.
-  const CVariable* variable = nullptr;
-  std::string_view suffix;
-  for (size_t i = m_variables.size(); i-- > 0;) {
-    if (m_variables[i].name == identifier) {
-      variable = &m_variables[i];
-      break;
-    }
+  if (m_indexedVariables != m_variables.size()) {
+    m_variableIndex.clear();
+    for (size_t i = 0; i < m_variables.size(); ++i) m_variableIndex[m_variables[i].name] = i;
+    m_indexedVariables = m_variables.size();
   }
+  auto lookup = [this](std::string_view name) -> const CVariable* {
+    const auto it = m_variableIndex.find(name);
+    return it == m_variableIndex.end() ? nullptr : &m_variables[it->second];
+  };
+  std::string_view suffix;
+  const CVariable* variable = lookup(identifier);
   if (variable == nullptr) {
     const size_t dot = identifier.find('.');
     if (dot == std::string_view::npos) return -1;
-    const std::string_view base = identifier.substr(0, dot);
     suffix = identifier.substr(dot + 1);
-    for (size_t i = m_variables.size(); i-- > 0;) {
-      if (m_variables[i].name == base) {
-        variable = &m_variables[i];
-        break;
-      }
-    }
+    variable = lookup(identifier.substr(0, dot));
     if (variable == nullptr) return -1;
   }
   CSlot slot{variable->kind, variable->node, variable->intValue, variable->floatValue, variable->index};
@@ -431,11 +428,7 @@ int CFormulaSet::SlotFor(std::string_view identifier, bool& found) {
       return -1;
     }
   }
-  if (slot.node != nullptr) {
-    bool known = false;
-    for (CNode* node : m_referencedNodes) known = known || node == slot.node;
-    if (!known) m_referencedNodes.push_back(slot.node);
-  }
+  if (slot.node != nullptr && m_referencedSet.insert(slot.node).second) m_referencedNodes.push_back(slot.node);
   found = true;
   m_slots.push_back(slot);
   return static_cast<int>(m_slots.size() - 1);
@@ -450,6 +443,8 @@ int CFormulaSet::Compile(std::string_view text, const char* what) {
 }
 
 void CFormulaSet::FinishCompiling() {
+  std::unordered_map<std::string_view, size_t>().swap(m_variableIndex);
+  std::unordered_set<const CNode*>().swap(m_referencedSet);
   std::vector<CVariable>().swap(m_variables);
   std::vector<CNode*>().swap(m_referencedNodes);
   m_slots.shrink_to_fit();

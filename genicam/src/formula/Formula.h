@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace GenApi {
@@ -84,6 +86,9 @@ private:
   bool m_integerMode;
   bool m_acceptAnyIdentifier = false;
   std::vector<CVariable> m_variables;
+  std::unordered_map<std::string_view, size_t> m_variableIndex;  // name -> last declaration, built at first use
+  size_t m_indexedVariables = 0;                                  // declarations the index covers
+  std::unordered_set<const CNode*> m_referencedSet;
   std::vector<CSlot> m_slots;
   std::vector<CProgram> m_programs;
   std::vector<CNode*> m_referencedNodes;

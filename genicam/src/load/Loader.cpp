@@ -298,6 +298,7 @@ std::unique_ptr<CNodeMapImpl> LoadNodeMap(const char* text, size_t size, const s
   loader.CreateNodes(root, 0);
   loader.Configure();
   loader.Finish();
+  for (auto& owned : map->AllNodes()) owned->RemoveDuplicateLinks();
   CheckCycles(*map);
   MarkFeatures(*map);
   GroupRegisters(*map);

@@ -18,13 +18,9 @@ std::string NameAttribute(CNode& owner, CLoadContext& context, const pugi::xml_n
   return std::string(TrimSpaces(name.value()));
 }
 
+// pVariable elements already linked their nodes; repeated links are removed after loading.
 void AddFormulaDependencies(CNode& owner, CFormulaSet& set) {
-  for (CNode* node : set.ReferencedNodes()) {
-    if (std::find(owner.m_readingChildren.begin(), owner.m_readingChildren.end(), node) ==
-        owner.m_readingChildren.end()) {
-      CLoadContext::AddDependency(owner, *node);
-    }
-  }
+  for (CNode* node : set.ReferencedNodes()) CLoadContext::AddDependency(owner, *node);
   set.FinishCompiling();
 }
 }  // namespace

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <unordered_set>
 
 #include "load/LoadContext.h"
 #include "nodes/NodeMap.h"
@@ -49,12 +50,11 @@ void CNode::InvalidateNode() {
   CEntryGuard guard(m_map);
   std::vector<CNode*> registers;
   std::vector<CNode*> stack{this};
-  std::vector<CNode*> seen;
-  while (!stack.empty() && seen.size() < 10000) {
+  std::unordered_set<const CNode*> seen;
+  while (!stack.empty()) {
     CNode* node = stack.back();
     stack.pop_back();
-    if (std::find(seen.begin(), seen.end(), node) != seen.end()) continue;
-    seen.push_back(node);
+    if (!seen.insert(node).second) continue;
     if (node != this && node->HasCache()) {
       registers.push_back(node);
       continue;
@@ -73,12 +73,28 @@ bool CNode::IsCachable() const {
 ECachingMode CNode::GetCachingMode() const { return NoCache; }
 
 namespace {
-void AppendUnique(NodeList_t& list, const std::vector<CNode*>& nodes) {
-  for (CNode* node : nodes) {
-    if (std::find(list.begin(), list.end(), node) == list.end()) list.push_back(node);
-  }
+// The link lists hold every node once (RemoveDuplicateLinks ran after loading).
+void AppendUnique(NodeList_t& list, const std::vector<CNode*>& nodes) { list.insert(list.end(), nodes.begin(), nodes.end()); }
+
+void RemoveDuplicates(std::vector<CNode*>& nodes) {
+  if (nodes.size() < 2) return;
+  std::unordered_set<const CNode*> seen;
+  seen.reserve(nodes.size() * 2);
+  nodes.erase(std::remove_if(nodes.begin(), nodes.end(), [&](const CNode* node) { return !seen.insert(node).second; }),
+              nodes.end());
+  nodes.shrink_to_fit();
 }
 }  // namespace
+
+void CNode::RemoveDuplicateLinks() {
+  RemoveDuplicates(m_readingChildren);
+  RemoveDuplicates(m_writingChildren);
+  RemoveDuplicates(m_dependents);
+  RemoveDuplicates(m_invalidators);
+  RemoveDuplicates(m_invalidates);
+  RemoveDuplicates(m_selected);
+  RemoveDuplicates(m_selecting);
+}
 
 void CNode::GetChildren(NodeList_t& Children, ELinkType LinkType) const {
   CEntryGuard guard(m_map);
@@ -92,12 +108,11 @@ void CNode::GetChildren(NodeList_t& Children, ELinkType LinkType) const {
     case ctTerminalNodes: {
       // The registers a node's value comes from (where reading children end at a port).
       std::vector<const CNode*> stack{this};
-      std::vector<const CNode*> seen;
-      while (!stack.empty() && seen.size() < 100000) {
+      std::unordered_set<const CNode*> seen;
+      while (!stack.empty()) {
         const CNode* node = stack.back();
         stack.pop_back();
-        if (std::find(seen.begin(), seen.end(), node) != seen.end()) continue;
-        seen.push_back(node);
+        if (!seen.insert(node).second) continue;
         if (dynamic_cast<const IRegister*>(node) != nullptr) {
           Children.push_back(const_cast<CNode*>(node));
           continue;
@@ -324,22 +339,19 @@ bool CNode::ConfigureElement(CLoadContext& context, EElement id, const pugi::xml
     case EElement::pAlias: m_pAlias = context.Resolve(*this, child, false); return true;
     case EElement::pCastAlias: m_pCastAlias = context.Resolve(*this, child, false); return true;
     case EElement::pBlockPolling: context.Resolve(*this, child, false); return true;
+    // Repeated entries are removed once loading is done (RemoveDuplicateLinks).
     case EElement::pInvalidator: {
       CNode* invalidator = context.Resolve(*this, child, false);
-      if (std::find(m_invalidators.begin(), m_invalidators.end(), invalidator) == m_invalidators.end()) {
-        m_invalidators.push_back(invalidator);
-        invalidator->m_invalidates.push_back(this);
-      }
+      m_invalidators.push_back(invalidator);
+      invalidator->m_invalidates.push_back(this);
       return true;
     }
     case EElement::pSelected: {
       CNode* selected = context.Resolve(*this, child, false);
-      if (std::find(m_selected.begin(), m_selected.end(), selected) == m_selected.end()) {
-        m_selected.push_back(selected);
-        selected->m_selecting.push_back(this);
-        // A selector change changes what the selected feature shows.
-        m_dependents.push_back(selected);
-      }
+      m_selected.push_back(selected);
+      selected->m_selecting.push_back(this);
+      // A selector change changes what the selected feature shows.
+      m_dependents.push_back(selected);
       return true;
     }
     case EElement::PollingTime: m_pollingTime = context.Integer(*this, child); return true;

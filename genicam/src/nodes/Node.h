@@ -130,6 +130,8 @@ public:
   void CheckWritable();
   // The same, naming the value that could not be written.
   void CheckWritable(const std::string& valueText);
+  // Called once after loading: every link list keeps each node once, in first-seen order.
+  void RemoveDuplicateLinks();
   // Runs after a successful write through this node: invalidation of dependents and callbacks.
   void ValueChanged();
 

@@ -102,6 +102,24 @@ TEST(BadInput, LongReferenceChainsLoadButDeepEvaluationIsRefused) {
   EXPECT_NE(error.find("nested too deeply"), std::string::npos) << error;
 }
 
+TEST(BadInput, ManyRepeatedLinksAndVariablesStayLinear) {
+  // Hostile sizes that a quadratic loader would take minutes over.
+  std::string nodes = "<Integer Name='A'><Value>1</Value></Integer><Integer Name='B'>";
+  for (int i = 0; i < 20000; ++i) nodes += "<pInvalidator>A</pInvalidator>";
+  nodes += "<Value>2</Value></Integer><IntSwissKnife Name='K'>";
+  std::string formula = "0";
+  for (int i = 0; i < 3000; ++i) {
+    nodes += "<pVariable Name='V" + std::to_string(i) + "'>A</pVariable>";
+    formula += "+V" + std::to_string(i);
+  }
+  nodes += "<Formula>" + formula + "</Formula></IntSwissKnife>";
+  CTestMap t(nodes);
+  GenApi::NodeList_t invalidators;
+  t.Node("B")->GetChildren(invalidators, GenApi::ctInvalidatingChildren);
+  EXPECT_EQ(invalidators.size(), 1u) << "repeated links are kept once";
+  EXPECT_EQ(GenApi::CIntegerPtr(t.Node("K"))->GetValue(), 3000);
+}
+
 TEST(BadInput, SecondLoadIsRefused) {
   GenApi::CNodeMapRef map;
   map._LoadXMLFromString(Describe(""));
