@@ -41,7 +41,14 @@ gcstring CNode::GetName(bool FullQualified) const {
   return gcstring(m_name);
 }
 
-gcstring CNode::GetDisplayName() const { return m_displayName.empty() ? gcstring(m_name) : gcstring(m_displayName); }
+gcstring CNode::GetDisplayName() const {
+  return m_texts && !m_texts->displayName.empty() ? gcstring(m_texts->displayName) : gcstring(m_name);
+}
+
+CNode::CTexts& CNode::Texts() {
+  if (!m_texts) m_texts = std::make_unique<CTexts>();
+  return *m_texts;
+}
 gcstring CNode::GetDeviceName() const { return m_map.GetDeviceName(); }
 
 // Invalidating a feature also drops the cached registers its value is read from, so that the next read reaches the
@@ -163,24 +170,25 @@ void CNode::GetPropertyNames(gcstring_vector& PropertyNames) const {
   PropertyNames.clear();
   PropertyNames.push_back("Name");
   PropertyNames.push_back("Visibility");
-  if (!m_toolTip.empty()) PropertyNames.push_back("ToolTip");
-  if (!m_description.empty()) PropertyNames.push_back("Description");
-  if (!m_displayName.empty()) PropertyNames.push_back("DisplayName");
-  if (!m_eventID.empty()) PropertyNames.push_back("EventID");
+  if (!m_texts) return;
+  if (!m_texts->toolTip.empty()) PropertyNames.push_back("ToolTip");
+  if (!m_texts->description.empty()) PropertyNames.push_back("Description");
+  if (!m_texts->displayName.empty()) PropertyNames.push_back("DisplayName");
+  if (!m_texts->eventID.empty()) PropertyNames.push_back("EventID");
 }
 
 bool CNode::GetProperty(const gcstring& PropertyName, gcstring& ValueStr, gcstring& AttributeStr) const {
   AttributeStr.clear();
   if (PropertyName == "Name") {
     ValueStr = m_name;
-  } else if (PropertyName == "ToolTip" && !m_toolTip.empty()) {
-    ValueStr = m_toolTip;
-  } else if (PropertyName == "Description" && !m_description.empty()) {
-    ValueStr = m_description;
-  } else if (PropertyName == "DisplayName" && !m_displayName.empty()) {
-    ValueStr = m_displayName;
-  } else if (PropertyName == "EventID" && !m_eventID.empty()) {
-    ValueStr = m_eventID;
+  } else if (PropertyName == "ToolTip" && m_texts && !m_texts->toolTip.empty()) {
+    ValueStr = m_texts->toolTip;
+  } else if (PropertyName == "Description" && m_texts && !m_texts->description.empty()) {
+    ValueStr = m_texts->description;
+  } else if (PropertyName == "DisplayName" && m_texts && !m_texts->displayName.empty()) {
+    ValueStr = m_texts->displayName;
+  } else if (PropertyName == "EventID" && m_texts && !m_texts->eventID.empty()) {
+    ValueStr = m_texts->eventID;
   } else if (PropertyName == "Visibility") {
     static const char* const kNames[] = {"Beginner", "Expert", "Guru", "Invisible"};
     ValueStr = m_visibility <= Invisible ? kNames[m_visibility] : "Undefined";
@@ -306,11 +314,11 @@ void CNode::Configure(CLoadContext& context, const pugi::xml_node& element) {
 
 bool CNode::ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) {
   switch (id) {
-    case EElement::ToolTip: m_toolTip = std::string(CLoadContext::Text(child)); return true;
-    case EElement::Description: m_description = std::string(CLoadContext::Text(child)); return true;
-    case EElement::DisplayName: m_displayName = std::string(CLoadContext::Text(child)); return true;
-    case EElement::DocuURL: m_docuURL = std::string(CLoadContext::Text(child)); return true;
-    case EElement::EventID: m_eventID = std::string(CLoadContext::Text(child)); return true;
+    case EElement::ToolTip: Texts().toolTip = std::string(CLoadContext::Text(child)); return true;
+    case EElement::Description: Texts().description = std::string(CLoadContext::Text(child)); return true;
+    case EElement::DisplayName: Texts().displayName = std::string(CLoadContext::Text(child)); return true;
+    case EElement::DocuURL: Texts().docuURL = std::string(CLoadContext::Text(child)); return true;
+    case EElement::EventID: Texts().eventID = std::string(CLoadContext::Text(child)); return true;
     case EElement::IsDeprecated: m_isDeprecated = context.YesNo(*this, child); return true;
     case EElement::Streamable: m_streamable = context.YesNo(*this, child); return true;
     case EElement::Visibility: {

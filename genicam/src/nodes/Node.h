@@ -55,17 +55,17 @@ public:
   EYesNo IsAccessModeCacheable() const override { return m_accessCacheable ? Yes : No; }
   ECachingMode GetCachingMode() const override;
   int64_t GetPollingTime() const override { return m_pollingTime; }
-  gcstring GetToolTip() const override { return m_toolTip; }
-  gcstring GetDescription() const override { return m_description; }
+  gcstring GetToolTip() const override { return m_texts ? m_texts->toolTip : std::string(); }
+  gcstring GetDescription() const override { return m_texts ? m_texts->description : std::string(); }
   gcstring GetDisplayName() const override;
   gcstring GetDeviceName() const override;
-  gcstring GetDocuURL() const override { return m_docuURL; }
+  gcstring GetDocuURL() const override { return m_texts ? m_texts->docuURL : std::string(); }
   void GetChildren(NodeList_t& Children, ELinkType LinkType = ctReadingChildren) const override;
   void GetParents(NodeList_t& Parents, ELinkType LinkType = ctReadingChildren) const override;
   CallbackHandleType RegisterCallback(CNodeCallback* pCallback) override;
   bool DeregisterCallback(CallbackHandleType hCallback) override;
   INodeMap* GetNodeMap() const override;
-  gcstring GetEventID() const override { return m_eventID; }
+  gcstring GetEventID() const override { return m_texts ? m_texts->eventID : std::string(); }
   bool IsStreamable() const override { return m_streamable; }
   void GetPropertyNames(gcstring_vector& PropertyNames) const override;
   bool GetProperty(const gcstring& PropertyName, gcstring& ValueStr, gcstring& AttributeStr) const override;
@@ -166,11 +166,16 @@ protected:
   EInterfaceType m_principal;
   ENameSpace m_nameSpace = Custom;
   EVisibility m_visibility = Beginner;
-  std::string m_toolTip;
-  std::string m_description;
-  std::string m_displayName;
-  std::string m_docuURL;
-  std::string m_eventID;
+  // Texts for people; most nodes (registers, formulas) have none, so they live apart.
+  struct CTexts {
+    std::string toolTip;
+    std::string description;
+    std::string displayName;
+    std::string docuURL;
+    std::string eventID;
+  };
+  CTexts& Texts();
+  std::unique_ptr<CTexts> m_texts;
   bool m_isDeprecated = false;
   bool m_streamable = false;
   EAccessMode m_imposedAccess = RW;
