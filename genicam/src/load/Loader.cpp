@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <map>
 #include <unordered_map>
 
 #include <pugixml.hpp>
@@ -238,19 +237,42 @@ void MarkAccessCacheable(CNodeMapImpl& map) {
   }
 }
 
-// Registers at the same fixed address of the same port see each other's writes.
+// Registers whose fixed byte ranges overlap on the same port see each other's writes: they share an invalidation
+// group (same address, or one register inside or across another).
 void GroupRegisters(CNodeMapImpl& map) {
-  std::map<std::pair<const CPortNode*, int64_t>, std::vector<CNode*>> byAddress;
+  struct CRange {
+    const CPortNode* port;
+    int64_t begin;
+    int64_t end;
+    CNode* node;
+  };
+  std::vector<CRange> ranges;
   for (auto& owned : map.AllNodes()) {
     auto* reg = dynamic_cast<CRegisterBase*>(owned.get());
     if (reg == nullptr || !reg->Core().HasFixedAddress() || reg->Core().Port() == nullptr) continue;
-    byAddress[{reg->Core().Port(), reg->Core().FixedAddress()}].push_back(reg);
+    const int64_t begin = reg->Core().FixedAddress();
+    const int64_t length = std::max<int64_t>(reg->Core().FixedLength(), 1);
+    const int64_t end = begin > INT64_MAX - length ? INT64_MAX : begin + length;
+    ranges.push_back({reg->Core().Port(), begin, end, reg});
   }
-  for (auto& entry : byAddress) {
-    if (entry.second.size() < 2) continue;
-    map.AddressGroups().push_back(std::make_unique<std::vector<CNode*>>(std::move(entry.second)));
-    std::vector<CNode*>* group = map.AddressGroups().back().get();
-    for (CNode* node : *group) node->m_pAddressGroup = group;
+  std::sort(ranges.begin(), ranges.end(), [](const CRange& a, const CRange& b) {
+    return a.port != b.port ? std::less<const CPortNode*>()(a.port, b.port) : a.begin < b.begin;
+  });
+  size_t first = 0;
+  while (first < ranges.size()) {
+    size_t last = first + 1;
+    int64_t end = ranges[first].end;
+    while (last < ranges.size() && ranges[last].port == ranges[first].port && ranges[last].begin < end) {
+      end = std::max(end, ranges[last].end);
+      ++last;
+    }
+    if (last - first >= 2) {
+      auto group = std::make_unique<std::vector<CNode*>>();
+      for (size_t i = first; i < last; ++i) group->push_back(ranges[i].node);
+      for (CNode* node : *group) node->m_pAddressGroup = group.get();
+      map.AddressGroups().push_back(std::move(group));
+    }
+    first = last;
   }
 }
 

@@ -22,6 +22,7 @@ public:
   int64_t Length();
   bool HasFixedAddress() const { return m_pAddresses.empty() && m_indexes.empty() && m_pLength == nullptr; }
   int64_t FixedAddress() const { return m_address; }
+  int64_t FixedLength() const { return m_length; }
   CPortNode* Port() const { return m_port; }
   EAccessMode AccessMode();
   ECachingMode Caching() const { return m_caching; }

@@ -81,6 +81,21 @@ TEST(Caching, InvalidatorThroughAFeatureAboveTheWrittenRegister) {
   EXPECT_EQ(derived->GetValue(), 4);
 }
 
+TEST(Caching, OverlappingRegistersSeeEachOthersWrites) {
+  CTestMap t("<IntReg Name='Wide'><Address>0</Address><Length>8</Length><AccessMode>RW</AccessMode></IntReg>"
+             "<IntReg Name='High'><Address>4</Address><Length>4</Length><AccessMode>RW</AccessMode></IntReg>"
+             "<IntReg Name='Apart'><Address>8</Address><Length>4</Length><AccessMode>RW</AccessMode></IntReg>");
+  CIntegerPtr wide(t.Node("Wide"));
+  CIntegerPtr apart(t.Node("Apart"));
+  EXPECT_EQ(wide->GetValue(), 0);
+  EXPECT_EQ(apart->GetValue(), 0);
+  CIntegerPtr(t.Node("High"))->SetValue(1);
+  EXPECT_EQ(wide->GetValue(), 1LL << 32);
+  const int reads = t.port.Reads();
+  apart->GetValue();
+  EXPECT_EQ(t.port.Reads(), reads) << "a register next to them keeps its cache";
+}
+
 TEST(Caching, InvalidateNodesAndInvalidateNode) {
   CTestMap t(Reg("R", 0, "WriteThrough"));
   CIntegerPtr r(t.Node("R"));
