@@ -62,21 +62,44 @@ bool LooksLikeZip(const std::string& bytes)
     return bytes.size() >= 4 && std::memcmp(bytes.data(), "PK\x03\x04", 4) == 0;
 }
 
-// The first local file header: signature, version, flags, method, time, date, crc, sizes, name and extra lengths.
-// Archives written with sizes in a trailing data descriptor are not supported by this scan; the engine reads them.
+// Sizes and method come from the central directory when the archive has one (entries written with a trailing data
+// descriptor have zero sizes in their local header), else from the first local file header.
 std::string FirstFileOfZip(const std::string& zipBytes)
 {
-    constexpr size_t kHeaderSize = 30;
-    if (!LooksLikeZip(zipBytes) || zipBytes.size() < kHeaderSize)
+    constexpr size_t kLocalHeaderSize = 30;
+    constexpr size_t kCentralHeaderSize = 46;
+    constexpr size_t kEndRecordSize = 22;
+    if (!LooksLikeZip(zipBytes) || zipBytes.size() < kLocalHeaderSize)
         throw std::runtime_error("not a ZIP archive");
-    const auto* header = reinterpret_cast<const unsigned char*>(zipBytes.data());
-    const uint16_t flags = LittleEndian16(header + 6);
-    const uint16_t method = LittleEndian16(header + 8);
-    const uint32_t compressedSize = LittleEndian32(header + 18);
-    const uint32_t size = LittleEndian32(header + 22);
-    const size_t dataStart = kHeaderSize + LittleEndian16(header + 26) + LittleEndian16(header + 28);
-    if ((flags & 0x08) != 0)
-        throw std::runtime_error("ZIP entry sizes in a data descriptor are not supported");
+    const auto* bytes = reinterpret_cast<const unsigned char*>(zipBytes.data());
+
+    uint16_t method = LittleEndian16(bytes + 8);
+    uint32_t compressedSize = LittleEndian32(bytes + 18);
+    uint32_t size = LittleEndian32(bytes + 22);
+    size_t localHeader = 0;
+    // The end record sits in the last 22 + 65535 (comment) bytes.
+    for (size_t at = zipBytes.size() >= kEndRecordSize ? zipBytes.size() - kEndRecordSize : 0;; --at)
+    {
+        if (std::memcmp(bytes + at, "PK\x05\x06", 4) == 0)
+        {
+            const size_t directory = LittleEndian32(bytes + at + 16);
+            if (directory <= zipBytes.size() - kCentralHeaderSize &&
+                std::memcmp(bytes + directory, "PK\x01\x02", 4) == 0)
+            {
+                method = LittleEndian16(bytes + directory + 10);
+                compressedSize = LittleEndian32(bytes + directory + 20);
+                size = LittleEndian32(bytes + directory + 24);
+                localHeader = LittleEndian32(bytes + directory + 42);
+            }
+            break;
+        }
+        if (at == 0 || zipBytes.size() - at > kEndRecordSize + 0xFFFF)
+            break;
+    }
+    if (localHeader > zipBytes.size() - kLocalHeaderSize || std::memcmp(bytes + localHeader, "PK\x03\x04", 4) != 0)
+        throw std::runtime_error("ZIP directory points to no local file header");
+    const size_t dataStart =
+        localHeader + kLocalHeaderSize + LittleEndian16(bytes + localHeader + 26) + LittleEndian16(bytes + localHeader + 28);
     if (dataStart > zipBytes.size() || compressedSize > zipBytes.size() - dataStart)
         throw std::runtime_error("ZIP entry reaches past the end of the archive");
     const char* data = zipBytes.data() + dataStart;

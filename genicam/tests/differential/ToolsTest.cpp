@@ -75,8 +75,10 @@ int64_t SeededBigEndian16(uint64_t seed, uint64_t address)
     return (space.SeededByte(address) << 8) | space.SeededByte(address + 1);
 }
 
-// A one-file archive: local header and data, then the central directory and its end record.
-std::string StoredZip(const std::string& name, const std::string& content, uint16_t method, const std::string& data)
+// A one-file archive: local header and data, then the central directory and its end record. With `descriptor`, the
+// local header carries no sizes (flag 8) and a data descriptor follows the data, as streaming writers do.
+std::string StoredZip(const std::string& name, const std::string& content, uint16_t method, const std::string& data,
+                      bool descriptor = false)
 {
     auto le16 = [](uint16_t v) { return std::string{char(v & 0xFF), char(v >> 8)}; };
     auto le32 = [](uint32_t v) {
@@ -84,12 +86,15 @@ std::string StoredZip(const std::string& name, const std::string& content, uint1
     };
     const uint32_t crc = static_cast<uint32_t>(crc32(0, reinterpret_cast<const Bytef*>(content.data()),
                                                      static_cast<uInt>(content.size())));
-    const std::string common = le16(20) + le16(0) + le16(method) + le16(0) + le16(0) + le32(crc) +
-                               le32(static_cast<uint32_t>(data.size())) + le32(static_cast<uint32_t>(content.size())) +
-                               le16(static_cast<uint16_t>(name.size())) + le16(0);
-    const std::string local = std::string("PK\x03\x04", 4) + common + name + data;
-    const std::string central = std::string("PK\x01\x02", 4) + le16(20) + common + le16(0) + le16(0) + le16(0) +
-                                le32(0) + le32(0) + name;
+    const std::string sizes = le32(crc) + le32(static_cast<uint32_t>(data.size())) +
+                              le32(static_cast<uint32_t>(content.size()));
+    const uint16_t flags = descriptor ? 8 : 0;
+    const std::string head = le16(20) + le16(flags) + le16(method) + le16(0) + le16(0);
+    const std::string tail = le16(static_cast<uint16_t>(name.size())) + le16(0);
+    const std::string local = std::string("PK\x03\x04", 4) + head + (descriptor ? std::string(12, '\0') : sizes) +
+                              tail + name + data + (descriptor ? std::string("PK\x07\x08", 4) + sizes : "");
+    const std::string central = std::string("PK\x01\x02", 4) + le16(20) + head + sizes + tail + le16(0) + le16(0) +
+                                le16(0) + le32(0) + le32(0) + name;
     const std::string end = std::string("PK\x05\x06", 4) + le16(0) + le16(0) + le16(1) + le16(1) +
                             le32(static_cast<uint32_t>(central.size())) + le32(static_cast<uint32_t>(local.size())) +
                             le16(0);
@@ -248,6 +253,8 @@ TEST(DescriptionScan, ReadsTheFirstFileOfStoredAndDeflatedArchives)
     const std::string xml = "<RegisterDescription/>";
     EXPECT_EQ(FirstFileOfZip(StoredZip("a.xml", xml, 0, xml)), xml);
     EXPECT_EQ(FirstFileOfZip(StoredZip("a.xml", xml, 8, RawDeflate(xml))), xml);
+    EXPECT_EQ(FirstFileOfZip(StoredZip("a.xml", xml, 8, RawDeflate(xml), true)), xml);
+    EXPECT_EQ(FirstFileOfZip(StoredZip("a.xml", xml, 0, xml, true)), xml);
     EXPECT_THROW(FirstFileOfZip("PK\x03\x04short"), std::runtime_error);
     EXPECT_THROW(FirstFileOfZip(StoredZip("a.xml", xml, 8, "garbage!")), std::runtime_error);
     EXPECT_THROW(FirstFileOfZip(StoredZip("a.xml", xml, 12, xml)), std::runtime_error);
@@ -383,11 +390,15 @@ TEST(DumpPrograms, InspectAppliesSetsBeforeTheDumpAndReadsOnlyWhatIsAsked)
 TEST(DumpPrograms, InspectReadsZippedDescriptions)
 {
     const std::string xml = kSmallDescription;
-    const std::string path = WriteTemporary("small.zip", StoredZip("small.xml", xml, 8, RawDeflate(xml)));
-    std::string out;
-    ASSERT_TRUE(RunCommand("'" + kBin + "/genicam-inspect' '" + path + "' --read Width", out)) << out;
-    EXPECT_NE(out.find("\"name\":\"Width\""), std::string::npos) << out;
-    EXPECT_NE(out.find("\"value\":" + std::to_string(SeededBigEndian16(0, 0x1000))), std::string::npos) << out;
+    for (const bool descriptor : {false, true})
+    {
+        const std::string path = WriteTemporary(descriptor ? "small-streamed.zip" : "small.zip",
+                                                StoredZip("small.xml", xml, 8, RawDeflate(xml), descriptor));
+        std::string out;
+        ASSERT_TRUE(RunCommand("'" + kBin + "/genicam-inspect' '" + path + "' --read Width", out)) << out;
+        EXPECT_NE(out.find("\"name\":\"Width\",\"type\":\"Integer\""), std::string::npos) << out;
+        EXPECT_NE(out.find("\"value\":" + std::to_string(SeededBigEndian16(0, 0x1000))), std::string::npos) << out;
+    }
 }
 
 TEST(DumpPrograms, BadInputGivesAMessageAndAFailingStatus)
