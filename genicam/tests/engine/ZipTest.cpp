@@ -21,8 +21,10 @@ void Put32(std::string& out, uint32_t value) {
   Put16(out, value >> 16);
 }
 
-// A one-file archive; method 0 stores, method 8 deflates.
-std::string MakeZip(const std::string& content, int method, const std::string& name = "camera.xml") {
+// A one-file archive; method 0 stores, method 8 deflates. With a data descriptor (as streaming writers make it), the
+// local header carries no sizes and the central directory is the only reliable source.
+std::string MakeZip(const std::string& content, int method, const std::string& name = "camera.xml",
+                    bool dataDescriptor = false) {
   std::string data = content;
   if (method == 8) {
     z_stream stream{};
@@ -39,25 +41,32 @@ std::string MakeZip(const std::string& content, int method, const std::string& n
   }
   const uint32_t crc = static_cast<uint32_t>(
       crc32(0, reinterpret_cast<const Bytef*>(content.data()), static_cast<uInt>(content.size())));
+  const uint32_t flags = dataDescriptor ? 8 : 0;
   std::string zip;
   Put32(zip, 0x04034b50);
   Put16(zip, 20);
-  Put16(zip, 0);
+  Put16(zip, flags);
   Put16(zip, static_cast<uint32_t>(method));
   Put16(zip, 0);
   Put16(zip, 0);
-  Put32(zip, crc);
-  Put32(zip, static_cast<uint32_t>(data.size()));
-  Put32(zip, static_cast<uint32_t>(content.size()));
+  Put32(zip, dataDescriptor ? 0 : crc);
+  Put32(zip, dataDescriptor ? 0 : static_cast<uint32_t>(data.size()));
+  Put32(zip, dataDescriptor ? 0 : static_cast<uint32_t>(content.size()));
   Put16(zip, static_cast<uint32_t>(name.size()));
   Put16(zip, 0);
   zip += name;
   zip += data;
+  if (dataDescriptor) {
+    Put32(zip, 0x08074b50);
+    Put32(zip, crc);
+    Put32(zip, static_cast<uint32_t>(data.size()));
+    Put32(zip, static_cast<uint32_t>(content.size()));
+  }
   const uint32_t centralOffset = static_cast<uint32_t>(zip.size());
   Put32(zip, 0x02014b50);
   Put16(zip, 20);
   Put16(zip, 20);
-  Put16(zip, 0);
+  Put16(zip, flags);
   Put16(zip, static_cast<uint32_t>(method));
   Put16(zip, 0);
   Put16(zip, 0);
@@ -94,6 +103,13 @@ TEST(Zip, StoredAndDeflatedArchivesLoadFromMemory) {
     map._LoadXMLFromZIPData(zip.data(), zip.size());
     EXPECT_EQ(GenApi::CIntegerPtr(map._GetNode("Zipped"))->GetValue(), 42);
   }
+}
+
+TEST(Zip, ArchivesWithDataDescriptorsLoad) {
+  const std::string zip = MakeZip(kXml, 8, "camera.xml", true);
+  GenApi::CNodeMapRef map;
+  map._LoadXMLFromZIPData(zip.data(), zip.size());
+  EXPECT_EQ(GenApi::CIntegerPtr(map._GetNode("Zipped"))->GetValue(), 42);
 }
 
 TEST(Zip, FactoryRecognisesZipDataByItself) {
