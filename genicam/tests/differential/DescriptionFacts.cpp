@@ -220,6 +220,26 @@ bool CDescriptionFacts::InputsAreIntegers(const std::string& node) const
     return target.empty() || isInteger(target);
 }
 
+std::set<std::string> CDescriptionFacts::Inputs(const std::string& node) const
+{
+    std::set<std::string> inputs;
+    const auto it = m_Nodes.find(node);
+    if (it == m_Nodes.end())
+        return inputs;
+    inputs = it->second.variables;
+    const std::string target = ElementText(node, "pValue");
+    if (!target.empty())
+        inputs.insert(target);
+    return inputs;
+}
+
+const std::set<std::string>& CDescriptionFacts::References(const std::string& node) const
+{
+    static const std::set<std::string> kNone;
+    const auto it = m_Nodes.find(node);
+    return it == m_Nodes.end() ? kNone : it->second.references;
+}
+
 bool CDescriptionFacts::DependsOn(const std::string& node, EFlag flag) const
 {
     const auto memo = m_Memo[flag].find(node);

@@ -34,6 +34,9 @@ public:
     bool DependsOn(const std::string& node, EFlag flag) const;
     // Every pVariable and the pValue of the node are integer-valued nodes (Integer, IntReg, IntSwissKnife, ...).
     bool InputsAreIntegers(const std::string& node) const;
+    // The formula inputs of a node (pVariable targets and pValue) and every node it references.
+    std::set<std::string> Inputs(const std::string& node) const;
+    const std::set<std::string>& References(const std::string& node) const;
 
     bool DependsOnCLikeOperators(const std::string& node) const { return DependsOn(node, CLikeOperators); }
     bool DependsOnEventOrChunkPort(const std::string& node) const { return DependsOn(node, EventOrChunkPort); }

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <limits>
+#include <set>
 #include <sstream>
 
 namespace TALVIR::Tools
@@ -126,6 +127,46 @@ bool IsExtreme(const nlohmann::json& v)
         return v.is_number_unsigned() ? v.get<uint64_t>() == uint64_t(INT64_MAX)
                                       : (v.get<int64_t>() == INT64_MAX || v.get<int64_t>() == INT64_MIN);
     return v.is_number() && std::fabs(v.get<double>()) == DBL_MAX;
+}
+
+// A SwissKnife or Converter whose inputs are all integer nodes, one of which (value or limit, in our dump) is large
+// enough that the product of two such inputs passes 2^63.
+bool OverflowProneFormula(const std::string& node, const DumpRecords& ours, const CDescriptionFacts& facts)
+{
+    const std::string element = facts.ElementOf(node);
+    if ((element != "SwissKnife" && element != "Converter") || !facts.InputsAreIntegers(node))
+        return false;
+    for (const std::string& input : facts.Inputs(node))
+    {
+        const auto it = ours.find(input);
+        if (it == ours.end())
+            continue;
+        for (const char* field : {"value", "min", "max"})
+        {
+            const auto value = it->second.find(field);
+            if (value != it->second.end() && value->is_number() && std::fabs(value->get<double>()) >= 3.037e9)
+                return true;
+        }
+    }
+    return false;
+}
+
+bool DependsOnOverflowProneFormula(const std::string& node, const DumpRecords& ours, const CDescriptionFacts& facts)
+{
+    std::set<std::string> seen;
+    std::vector<std::string> pending{node};
+    while (!pending.empty())
+    {
+        const std::string current = pending.back();
+        pending.pop_back();
+        if (!seen.insert(current).second)
+            continue;
+        if (OverflowProneFormula(current, ours, facts))
+            return true;
+        for (const std::string& reference : facts.References(current))
+            pending.push_back(reference);
+    }
+    return false;
 }
 
 int64_t IntegerText(const std::string& text, int64_t fallback)
@@ -309,18 +350,12 @@ const std::vector<SDeviation>& Deviations()
              }
              return false;
          }},
-        {"LargeFloatFormulaOverIntegers",
-         "Converter and SwissKnife formulas are evaluated in double. The comparison engine evaluates subexpressions "
-         "whose operands are all integers in 64-bit integers, which wrap past 2^63. Excluded for a Converter or "
-         "SwissKnife whose inputs are all integer nodes when either result reaches 1e15 in magnitude.",
-         [](const SDifference& d) {
-             if ((d.element != "Converter" && d.element != "SwissKnife") || d.ours == nullptr || d.theirs == nullptr ||
-                 !d.ours->is_number() || !d.theirs->is_number())
-                 return false;
-             if (std::max(std::fabs(d.ours->get<double>()), std::fabs(d.theirs->get<double>())) < 1e15)
-                 return false;
-             return d.facts.InputsAreIntegers(d.name);
-         }},
+        {"IntegerArithmeticInFloatFormula",
+         "SwissKnife and Converter formulas are evaluated in double. The comparison engine evaluates subexpressions "
+         "whose operands are all integers in 64-bit integers, which wrap past 2^63: with integer inputs of 2^31.5 "
+         "(3.04e9) or more in magnitude a product can wrap. Excluded for features that depend on such a formula whose "
+         "integer inputs (as our dump shows them) reach that size.",
+         [](const SDifference& d) { return DependsOnOverflowProneFormula(d.name, d.ourDump, d.facts); }},
         {"NonPositiveIncrement",
          "An increment is a positive number: reading one that is zero or negative is an error, and an integer node "
          "without Inc has 1. The comparison engine passes on whatever its source yields (0 for an integer taking its "

@@ -337,6 +337,32 @@ TEST(DumpComparison, DocumentedDeviationsExcludeOnlyTheirOwnShapeOfDifference)
     EXPECT_EQ(c.disagreements[0].rfind("WithInc", 0), 0u);
 }
 
+TEST(DumpComparison, IntegerOverflowOfTheComparisonEngineIsExcludedOnlyForLargeIntegerInputs)
+{
+    const CDescriptionFacts facts(R"(<RegisterDescription>
+        <IntReg Name="R"/><IntReg Name="S"/>
+        <SwissKnife Name="K"><pVariable Name="A">R</pVariable><pVariable Name="B">S</pVariable><Formula>A*B/1000</Formula></SwissKnife>
+        <Float Name="F"><pValue>K</pValue></Float></RegisterDescription>)");
+    auto dumps = [](int64_t input) {
+        const std::string r = std::to_string(input);
+        return std::make_pair(
+            ParseDump(R"({"name":"R","type":"IntReg","access":"RO","value":)" + r + R"(}
+{"name":"S","type":"IntReg","access":"RO","value":5}
+{"name":"K","type":"SwissKnife","access":"RO","value":1.5e16}
+{"name":"F","type":"Float","access":"RO","value":1.5e16})"),
+            ParseDump(R"({"name":"R","type":"IntReg","access":"RO","value":)" + r + R"(}
+{"name":"S","type":"IntReg","access":"RO","value":5}
+{"name":"K","type":"SwissKnife","access":"RO","value":-2.9e15}
+{"name":"F","type":"Float","access":"RO","value":-2.9e15})"));
+    };
+    const auto [oursLarge, theirsLarge] = dumps(4000000000);
+    const SComparison large = CompareDumps(oursLarge, theirsLarge, facts);
+    EXPECT_TRUE(large.disagreements.empty());
+    EXPECT_EQ(large.deviationsByKind.at("IntegerArithmeticInFloatFormula"), 2u);
+    const auto [oursSmall, theirsSmall] = dumps(1000);
+    EXPECT_EQ(CompareDumps(oursSmall, theirsSmall, facts).disagreements.size(), 2u);
+}
+
 TEST(DumpComparison, PicksOnlyWritableIntegersBothEnginesShowAlike)
 {
     const auto ours = ParseDump(R"({"name":"A","type":"Integer","access":"RW","value":5,"min":0,"max":9,"inc":1}
