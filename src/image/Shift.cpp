@@ -9,10 +9,17 @@ namespace TALVIR::Pixel {
 namespace Reference {
 
 bool ShiftTo8(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height, uint32_t bits) {
-  if (source == nullptr || destination == nullptr || width == 0 || height == 0 || bits <= 8 || bits > 16) {
+  if (source == nullptr || destination == nullptr || width == 0 || height == 0 || bits <= 8) {
     return false;
   }
   const uint64_t count = uint64_t{width} * height;
+  if (bits >= 24) {
+    // A shift of 16 or more leaves nothing of a 16-bit sample (and would be undefined for 32 or more).
+    for (uint64_t i = 0; i < count; ++i) {
+      destination[i] = 0;
+    }
+    return true;
+  }
   const unsigned shift = bits - 8;
   // A plain loop over bytes: no alignment is assumed and the compiler vectorises it on every target.
   for (uint64_t i = 0; i < count; ++i) {

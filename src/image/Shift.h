@@ -3,7 +3,8 @@
 //
 // Each output byte is the low 8 bits of the sample shifted right by (bits - 8): data with more significant
 // bits than declared wraps instead of saturating, so every implementation below gives the same bytes for any
-// input. All routines fail (return false) for a null pointer, a zero dimension or bits outside 9..16.
+// input; a declared count of 24 bits or more leaves 0. All routines fail (return false) for a null pointer, a
+// zero dimension or bits of 8 or fewer.
 #include <cstdint>
 
 namespace TALVIR::Pixel {

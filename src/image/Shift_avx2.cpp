@@ -58,17 +58,10 @@ void ShiftAll(const uint8_t* source, uint8_t* destination, uint64_t count) {
   }
 }
 
-void ShiftAny(const uint8_t* source, uint8_t* destination, uint64_t count, unsigned shift) {
-  for (uint64_t i = 0; i < count; ++i) {
-    const unsigned sample = unsigned{source[2 * i]} | (unsigned{source[2 * i + 1]} << 8);
-    destination[i] = static_cast<uint8_t>(sample >> shift);
-  }
-}
-
 } // namespace
 
 bool ShiftTo8(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height, uint32_t bits) {
-  if (source == nullptr || destination == nullptr || width == 0 || height == 0 || bits <= 8 || bits > 16) {
+  if (source == nullptr || destination == nullptr || width == 0 || height == 0 || bits <= 8) {
     return false;
   }
   const uint64_t count = uint64_t{width} * height;
@@ -86,9 +79,8 @@ bool ShiftTo8(const uint8_t* source, uint8_t* destination, uint32_t width, uint3
     ShiftAll<8>(source, destination, count);
     break;
   default:
-    // Odd bit counts exist in no camera format; the plain loop serves them.
-    ShiftAny(source, destination, count, bits - 8);
-    break;
+    // Other bit counts exist in no camera format; the plain routine serves them.
+    return Reference::ShiftTo8(source, destination, width, height, bits);
   }
   return true;
 }

@@ -30,7 +30,7 @@ void ShiftAll(const uint8_t* source, uint8_t* destination, uint64_t count) {
 } // namespace
 
 bool ShiftTo8(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height, uint32_t bits) {
-  if (source == nullptr || destination == nullptr || width == 0 || height == 0 || bits <= 8 || bits > 16) {
+  if (source == nullptr || destination == nullptr || width == 0 || height == 0 || bits <= 8) {
     return false;
   }
   const uint64_t count = uint64_t{width} * height;

@@ -49,7 +49,40 @@ TEST(ShiftTo8, FailsForBadArguments) {
     EXPECT_FALSE(routine(in.data(), out.data(), 0, 2, 12));
     EXPECT_FALSE(routine(in.data(), out.data(), 2, 0, 12));
     EXPECT_FALSE(routine(in.data(), out.data(), 2, 2, 8));
-    EXPECT_FALSE(routine(in.data(), out.data(), 2, 2, 17));
+  }
+}
+
+// Any declared bit count above 8 is accepted: samples narrower than declared simply lose more low bits, and
+// once the shift reaches 16 nothing of a 16-bit sample is left.
+TEST(ShiftTo8, BitCountsAboveSixteenShiftFurther) {
+  const std::vector<uint8_t> in = {0xFF, 0xFF, 0x00, 0x80, 0x34, 0x12, 0x01, 0x00};  // 0xFFFF 0x8000 0x1234 1
+  using Routine = bool (*)(const uint8_t*, uint8_t*, uint32_t, uint32_t, uint32_t);
+  std::vector<Routine> routines = {&Reference::ShiftTo8, &ShiftTo8};
+#if TALVIR_IMAGE_HAS_SSE2
+  routines.push_back(&Sse2::ShiftTo8);
+#endif
+#if TALVIR_IMAGE_HAS_AVX2
+  if (Testing::HaveAvx2()) {
+    routines.push_back(&Avx2::ShiftTo8);
+  }
+#endif
+  const struct {
+    uint32_t bits;
+    std::vector<uint8_t> expected;
+  } cases[] = {
+      {17, {0x7F, 0x40, 0x09, 0x00}},
+      {20, {0x0F, 0x08, 0x01, 0x00}},
+      {23, {0x01, 0x01, 0x00, 0x00}},
+      {24, {0x00, 0x00, 0x00, 0x00}},
+      {40, {0x00, 0x00, 0x00, 0x00}},
+      {0xFFFFFFFFu, {0x00, 0x00, 0x00, 0x00}},
+  };
+  for (auto routine : routines) {
+    for (const auto& c : cases) {
+      std::vector<uint8_t> out(4, 0xA5);
+      EXPECT_TRUE(routine(in.data(), out.data(), 2, 2, c.bits)) << c.bits;
+      EXPECT_EQ(out, c.expected) << c.bits;
+    }
   }
 }
 
