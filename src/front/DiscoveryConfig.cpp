@@ -25,19 +25,30 @@ int OnIniEntry(void* user, const char* section, const char* name, const char* va
   return 1;
 }
 
-// The INI reader keeps its options in process-wide variables. Ours need: no inline comments (';' separates names
-// here, it must not start a comment after a blank), no continuation lines, and lines of any length (the default
-// line buffer of 200 bytes would cut a long producer list). The options are set for our parse only and restored.
+// The INI reader keeps its options in process-wide variables, which an application using the same reader may have
+// changed. Every option that affects parsing is therefore set for our parse only and restored afterwards. Ours
+// need: no inline comments (';' separates names here, it must not start a comment after a blank), no continuation
+// lines, lines of any length (the default line buffer of 200 bytes would cut a long producer list), and otherwise
+// the reader's usual rules: a leading UTF-8 byte order mark is skipped, lines starting with ';' or '#' are
+// comments, and a line without '=' or ':' makes the text invalid.
 class CIniOptionsForConfig {
 public:
   CIniOptionsForConfig()
       : m_lock(Mutex()), m_inlineComments(ini_allow_inline_comments), m_multiline(ini_allow_multiline),
-        m_useStack(ini_use_stack), m_realloc(ini_allow_realloc), m_maxLine(ini_max_line) {
+        m_useStack(ini_use_stack), m_realloc(ini_allow_realloc), m_maxLine(ini_max_line),
+        m_initialAlloc(ini_initial_alloc), m_bom(ini_allow_bom), m_commentPrefixes(ini_start_comment_prefixes),
+        m_noValue(ini_allow_no_value), m_stopOnFirstError(ini_stop_on_first_error) {
+    static char commentPrefixes[] = ";#";
     ini_allow_inline_comments = false;
     ini_allow_multiline = false;
     ini_use_stack = false;
     ini_allow_realloc = true;
     ini_max_line = 1 << 20;
+    ini_initial_alloc = 256;
+    ini_allow_bom = true;
+    ini_start_comment_prefixes = commentPrefixes;
+    ini_allow_no_value = false;
+    ini_stop_on_first_error = false;
   }
   ~CIniOptionsForConfig() {
     ini_allow_inline_comments = m_inlineComments;
@@ -45,6 +56,11 @@ public:
     ini_use_stack = m_useStack;
     ini_allow_realloc = m_realloc;
     ini_max_line = m_maxLine;
+    ini_initial_alloc = m_initialAlloc;
+    ini_allow_bom = m_bom;
+    ini_start_comment_prefixes = m_commentPrefixes;
+    ini_allow_no_value = m_noValue;
+    ini_stop_on_first_error = m_stopOnFirstError;
   }
   CIniOptionsForConfig(const CIniOptionsForConfig&) = delete;
   CIniOptionsForConfig& operator=(const CIniOptionsForConfig&) = delete;
@@ -60,6 +76,11 @@ private:
   bool m_useStack;
   bool m_realloc;
   int m_maxLine;
+  int m_initialAlloc;
+  bool m_bom;
+  char* m_commentPrefixes;
+  bool m_noValue;
+  bool m_stopOnFirstError;
 };
 
 } // namespace

@@ -95,6 +95,43 @@ TEST(ParseDiscoveryConfig, LeavesTheReadersProcessWideOptionsAsItFoundThem) {
   EXPECT_EQ(ini_max_line, maxLine);
 }
 
+// The reader's options are process-wide: an application that uses the same reader may have changed any of them.
+// Our configuration reads the same whatever they are.
+TEST(ParseDiscoveryConfig, ReadsTheSameWhateverOptionsTheApplicationGaveTheReader) {
+  const bool bom = ini_allow_bom;
+  char* const commentPrefixes = ini_start_comment_prefixes;
+  const bool noValue = ini_allow_no_value;
+  const bool stopOnFirstError = ini_stop_on_first_error;
+  const int initialAlloc = ini_initial_alloc;
+  static char hashOnly[] = "#";
+  ini_allow_bom = false;
+  ini_start_comment_prefixes = hashOnly;
+  ini_allow_no_value = true;
+  ini_stop_on_first_error = true;
+  ini_initial_alloc = 1;
+
+  const auto withBomAndComment = ParseDiscoveryConfig("\xEF\xBB\xBF[User]\n; producers\nCtiNames=A.cti;B.cti\n");
+  // A line without '=' is not INI, as with the reader's defaults.
+  const auto keyWithoutValue = ParseDiscoveryConfig("[User]\nCtiNames\n");
+  const bool bomAfter = ini_allow_bom;
+  char* const commentPrefixesAfter = ini_start_comment_prefixes;
+  const bool noValueAfter = ini_allow_no_value;
+
+  ini_allow_bom = bom;
+  ini_start_comment_prefixes = commentPrefixes;
+  ini_allow_no_value = noValue;
+  ini_stop_on_first_error = stopOnFirstError;
+  ini_initial_alloc = initialAlloc;
+
+  ASSERT_TRUE(withBomAndComment.has_value());
+  EXPECT_THAT(*withBomAndComment, ElementsAre("A.cti", "B.cti"));
+  EXPECT_FALSE(keyWithoutValue.has_value());
+  // And the application's options are given back.
+  EXPECT_FALSE(bomAfter);
+  EXPECT_EQ(commentPrefixesAfter, hashOnly);
+  EXPECT_TRUE(noValueAfter);
+}
+
 TEST(ReadDiscoveryConfig, ReadsAFileAndRefusesAMissingOne) {
   Testing::CTempDirectory folder;
   const auto path = folder.WriteFile("DiscoveryCfg.ini", "[User]\nCtiNames=X.cti;\n");
