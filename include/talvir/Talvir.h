@@ -8,10 +8,13 @@
 // Producers (.cti files) are looked for beside the library, or named in "DiscoveryCfg.ini" there (section "User",
 // key "CtiNames", names separated by ';'). No entry point reports an error: before Init, after UnInit or on
 // failure they return an empty list or a null pointer.
+#include <talvir/CameraTypes.h>
 #include <talvir/CustomInfo.h>
 #include <talvir/Export.h>
 #include <talvir/ICamera.h>
 #include <talvir/ICameraInfo.h>
+#include <talvir/IChunk.h>
+#include <talvir/IImage.h>
 #include <talvir/IXml.h>
 #include <talvir/TLType.h>
 
@@ -33,5 +36,8 @@ TALVIR_API std::list<ICameraInfo*> DiscoveryByTLType(uint64_t tlTypeMask);
 TALVIR_API ICamera* CreateCamera(ICameraInfo* info);
 // The camera whose serial number equals `serialNumber` exactly; runs one discovery when the device is not yet known.
 TALVIR_API ICamera* CreateCameraBySN(const char* serialNumber);
+// What IImage::GetConvertedImage produces for images of this PFNC pixel format: 0x01080001 (Mono8) for monochrome
+// formats, 0x02180015 (BGR8) for colour formats, 0 for a format the library does not convert.
+TALVIR_API uint32_t ConvertedPixelFormat(uint32_t pixelFormat);
 
 } // namespace TALVIR
