@@ -417,9 +417,11 @@ int32_t CCamera::WaitImage(IImage** out, uint64_t timeoutMs) {
   if (error != GenTL::GC_ERR_SUCCESS) {
     return StatusOfFetchError(error);
   }
+  const auto deliveredAt = std::chrono::steady_clock::now();
   uint64_t acquisition = 0;
   std::shared_ptr<CBufferMemory> memory = MemoryOf(data.BufferHandle, acquisition);
   auto* const image = new CGenImage(this, m_link, std::move(memory), acquisition);
+  image->SetDeliveredAt(deliveredAt);
   *out = image;
   const int32_t fill = image->Fill(producer, stream, data.BufferHandle, GetImageFillFlag());
   if (fill != FillResult::Ok && fill != kFillContinue) {

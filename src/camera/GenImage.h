@@ -6,6 +6,7 @@
 
 #include <talvir/IImage.h>
 
+#include <chrono>
 #include <cstdint>
 #include <list>
 #include <memory>
@@ -76,6 +77,10 @@ public:
   void Release() override;
   uint64_t GetFilledSize() const override { return m_sizeFilled; }
 
+  // When the producer handed the buffer over (the fetch's wait ended): what decides whether an image is fresh.
+  void SetDeliveredAt(std::chrono::steady_clock::time_point when) { m_deliveredAt = when; }
+  std::chrono::steady_clock::time_point DeliveredAt() const { return m_deliveredAt; }
+
   // The buffer handle; the camera looks it up when the image is released.
   void* BufferHandle() const { return m_hBuffer; }
 
@@ -117,6 +122,7 @@ private:
   std::shared_ptr<CCameraLink> m_link;
   std::shared_ptr<CBufferMemory> m_memory;
   uint64_t m_acquisition;
+  std::chrono::steady_clock::time_point m_deliveredAt;
 };
 
 } // namespace TALVIR

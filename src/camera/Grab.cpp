@@ -1,6 +1,7 @@
 #include "camera/Grab.h"
 
 #include "camera/Camera.h"
+#include "camera/GenImage.h"
 
 #include <talvir/CameraTypes.h>
 
@@ -74,12 +75,14 @@ void CGrab::Run() {
       }
       continue;
     }
+    // The moment the producer handed the buffer over; images of other makes count from the end of the fetch.
+    const auto* described = dynamic_cast<const CGenImage*>(image);
     IImage* previous = nullptr;
     {
       std::lock_guard<std::mutex> lock(m_lock);
       previous = m_pLatest;
       m_pLatest = image;
-      m_latestFetched = fetched;
+      m_latestFetched = described != nullptr ? described->DeliveredAt() : fetched;
     }
     m_changed.notify_all();
     if (previous != nullptr) {

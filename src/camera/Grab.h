@@ -35,7 +35,7 @@ public:
   // The newest image not yet taken, waiting up to `timeoutMs` for one (a time-out of 0 still takes one that is
   // there). Status::Ok, Status::Timeout, or Status::Aborted once stopped.
   int32_t GetLatestImage(IImage** out, uint32_t timeoutMs);
-  // Like GetLatestImage, but only an image whose fetch completed after the call began.
+  // Like GetLatestImage, but only an image that the producer delivered after the call began.
   int32_t GetFreshImage(IImage** out, uint32_t timeoutMs);
 
 private:
