@@ -119,6 +119,9 @@ public:
   CCtiPort* StreamPort();
 
 protected:
+  // The ports, for the operations that run under the camera's lock (open, start of acquisition).
+  CCtiPort* DevicePortLocked() const { return m_pDevicePort.get(); }
+  CCtiPort* RemotePortLocked() const { return m_pRemotePort.get(); }
   // The cached image geometry that the transport cameras fill at acquisition start.
   void StoreGeometry(uint64_t width, uint64_t height, uint32_t pixelFormat);
   void StorePartialImageMode(uint32_t mode) { m_partialImageMode.store(mode); }
