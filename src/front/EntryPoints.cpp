@@ -3,6 +3,9 @@
 #include "camera/CameraRegistry.h"
 #include "front/CtiManager.h"
 #include "front/Discovery.h"
+#include "front/DiscoveryReport.h"
+#include "gentl/DiagnosticSink.h"
+#include "gentl/GenTLErrorText.h"
 #include "platform/SelfPath.h"
 
 #include <talvir/Talvir.h>
@@ -79,9 +82,27 @@ ICamera* CreateCameraBySN(const char* serialNumber) {
     return nullptr;
   }
   CCameraRegistry* const registry = g_manager->Registry();
-  return CreateCameraBySerial(*g_manager, serialNumber, [registry](ICameraInfo* info) {
-    return registry->CreateCamera(info);
-  });
+  return CreateCameraBySerial(*g_manager, serialNumber,
+                              [registry](ICameraInfo* info) { return registry->CreateCamera(info); });
+}
+
+DiscoveryReport GetDiscoveryReport() {
+  if (g_manager == nullptr) {
+    return DiscoveryReport();
+  }
+  return BuildDiscoveryReport(*g_manager);
+}
+
+const char* OpenStatusText(int32_t openStatus) {
+  return OpenProducerStatusText(openStatus);
+}
+
+const char* GenTLErrorName(int32_t errorCode) {
+  return GenTLErrorCodeName(errorCode);
+}
+
+void SetDiagnosticCallback(DiagnosticCallback callback, void* context) {
+  CDiagnosticSink::Set(callback, context);
 }
 
 } // namespace TALVIR
