@@ -91,10 +91,7 @@ bool CCtiManager::HasFailed(const std::string& fileName) {
 
 std::vector<std::string> CCtiManager::ProducerNames() {
   std::vector<std::string> names;
-  // A file that only switches the GenTL path search on, without naming producers, keeps the search beside the
-  // library: the switch adds folders, it does not take the library's own away.
-  const bool useConfiguredNames = m_configurationLoaded && (m_config.ctiNamesGiven || !m_config.searchGenTLPath);
-  if (useConfiguredNames) {
+  if (UsesConfiguredNames()) {
     names.assign(m_config.ctiNames.begin(), m_config.ctiNames.end());
   } else {
     names = SearchProducerFiles();
@@ -105,6 +102,12 @@ std::vector<std::string> CCtiManager::ProducerNames() {
     }
   }
   return names;
+}
+
+bool CCtiManager::UsesConfiguredNames() const {
+  // A file that only sets switches, without naming producers, keeps the search beside the library: switching an
+  // option on must not switch discovery off.
+  return m_configurationLoaded && (m_config.ctiNamesGiven || !m_config.switchesGiven);
 }
 
 std::vector<std::string> CCtiManager::SearchProducerFiles() const {
@@ -158,7 +161,7 @@ std::string CCtiManager::ProducerOrigin(const std::string& fileName) const {
   if (m_genTLPathProducers.count(fileName) != 0) {
     return kGenTLPathVariable;
   }
-  if (m_configurationLoaded && (m_config.ctiNamesGiven || !m_config.searchGenTLPath)) {
+  if (UsesConfiguredNames()) {
     for (const std::string& configured : m_config.ctiNames) {
       if (configured == fileName) {
         return kDiscoveryConfigFileName;

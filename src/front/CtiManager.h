@@ -43,10 +43,13 @@ public:
   // while the manager lives. Names containing "GEVTL" get the GigE Vision producer class.
   CCti* GetOrLoadProducer(const std::string& fileName);
 
-  // The names a discovery uses: the configured ones when the configuration file was read, else the producer files
-  // found in the folder; with SearchGenTLPath, also the producers in the GENICAM_GENTL64_PATH folders (as full
-  // paths).
+  // The names a discovery uses: the configured ones (UsesConfiguredNames), else the producer files found in the
+  // folder; with SearchGenTLPath, also the producers in the GENICAM_GENTL64_PATH folders (as full paths).
   std::vector<std::string> ProducerNames();
+
+  // Whether the names come from "CtiNames": a readable configuration that names producers, or that sets no
+  // switch either (an absent "CtiNames" then reads as one empty name).
+  bool UsesConfiguredNames() const;
 
   // Producer files in the folder: regular files whose extension is exactly "cti" (any case), in listing order.
   std::vector<std::string> SearchProducerFiles() const;

@@ -134,6 +134,7 @@ std::optional<CDiscoveryConfig> ParseDiscoveryConfigText(const std::string& text
   config.ctiNamesGiven = value.found;
   config.skipEmptyInterfaces = value.skipEmptyInterfaces;
   config.searchGenTLPath = value.searchGenTLPath;
+  config.switchesGiven = value.skipFound || value.searchFound;
   return config;
 }
 

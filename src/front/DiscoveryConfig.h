@@ -18,6 +18,8 @@ struct CDiscoveryConfig {
   bool skipEmptyInterfaces = false;
   // "SearchGenTLPath": producers are also looked for in the folders of GENICAM_GENTL64_PATH.
   bool searchGenTLPath = false;
+  // Whether the file sets either switch (whatever its value).
+  bool switchesGiven = false;
 };
 
 // An INI switch: "1", "true", "yes" and "on" in any case are true; anything else is false.
