@@ -128,12 +128,14 @@ bool CCti::Load() {
     return false;
   }
   std::string missingFunction;
-  if (!BindGenTLFunctions(m_module, m_api, &m_callContext, &missingFunction)) {
+  const bool bound = BindGenTLFunctions(m_module, m_api, &m_callContext, &missingFunction);
+  // Also for a producer that stays half bound: its close is still called and may fail.
+  m_callContext.lastError = m_api.GCGetLastError.Raw();
+  if (!bound) {
     m_loadReport.state = ProducerState::FunctionMissing;
     m_loadReport.missingFunction = missingFunction;
     return false;
   }
-  m_callContext.lastError = m_api.GCGetLastError.Raw();
   const int32_t status = OpenProducer();
   m_loadReport.openStatus = status;
   m_loadReport.openStatusText = OpenProducerStatusText(status);
