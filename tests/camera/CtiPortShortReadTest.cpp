@@ -1,5 +1,5 @@
-// Producers that read fewer bytes than asked, or claim every byte and write fewer. Run under valgrind too
-// (memcheck reports any value built from bytes nobody wrote): see the README's "Checking memory" note.
+// Producers that read fewer bytes than asked, or claim every byte and write fewer. Also run under valgrind
+// (memcheck reports any value built from bytes nobody wrote): the command is in the README, under "Other builds".
 #include "camera/CtiPort.h"
 
 #include "gentl/Cti.h"
