@@ -4,6 +4,7 @@
 
 #include "front/CtiManager.h"
 #include "front/Discovery.h"
+#include "gentl/DiagnosticSink.h"
 #include "gentl/GenTLErrorText.h"
 
 #include "FakeProducerFolder.h"
@@ -15,6 +16,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <mutex>
+#include <set>
 
 namespace TALVIR {
 namespace {
@@ -213,6 +216,48 @@ TEST_F(DiscoveryReportTest, TheSwitchesAndTheSearchedFoldersAreReported) {
   EXPECT_TRUE(report.skipEmptyInterfaces);
   EXPECT_FALSE(report.searchGenTLPath);
   EXPECT_TRUE(report.genTLPathFolders.empty());
+}
+
+// Counts the failures each producer reported, from whichever thread.
+struct CFailureCounter {
+  std::mutex mutex;
+  std::multiset<std::string> producers;
+
+  static void Receive(const GenTLCallFailure& failure, void* context) {
+    auto* self = static_cast<CFailureCounter*>(context);
+    std::lock_guard<std::mutex> lock(self->mutex);
+    self->producers.insert(failure.producer);
+  }
+};
+
+TEST_F(DiscoveryReportTest, TheCallbackReceivesFailuresFromEveryDiscoveryThread) {
+  // Each producer's device information command 1 (vendor) fails for every device; the producers are enumerated on
+  // threads of their own.
+  for (CFakeProducerModule* fake : {&m_fake, &m_noInfo}) {
+    std::vector<Testing::CFakeDevice> devices;
+    for (int index = 0; index < 20; ++index) {
+      Testing::CFakeDevice device = MakeFakeDevice("d" + std::to_string(index), "SN" + std::to_string(index));
+      device.failingCommands = {GenTL::DEVICE_INFO_VENDOR};
+      devices.push_back(device);
+    }
+    fake->State().interfaces.push_back(MakeFakeInterface("nic0", "GEV", devices));
+  }
+  m_folder.LinkProducer("A.cti");
+  m_folder.LinkProducer("B.cti", "TalvirFakeNoInfo.cti");
+  CCtiManager manager(m_folder.Directory());
+  CFailureCounter counter;
+  CDiagnosticSink::Set(&CFailureCounter::Receive, &counter);
+  std::list<ICameraInfo*> records = DiscoverByName(manager, nullptr);
+  CDiagnosticSink::Set(nullptr, nullptr);
+  EXPECT_EQ(records.size(), 40u);
+  GiveBack(std::move(records));
+  EXPECT_EQ(counter.producers.count("A.cti"), 20u);
+  EXPECT_EQ(counter.producers.count("B.cti"), 20u);
+  const DiscoveryReport report = BuildDiscoveryReport(manager);
+  for (const char* name : {"A.cti", "B.cti"}) {
+    const std::vector<DiscoveryRule> rules = Rules(Find(report, name));
+    EXPECT_EQ(std::count(rules.begin(), rules.end(), DiscoveryRule::InfoQueryFailed), 20) << name;
+  }
 }
 
 } // namespace
