@@ -3,6 +3,7 @@
 #   scripts/setup.sh            build + test dependencies
 #   scripts/setup.sh --bench    also the benchmark references (OpenCV, libyuv)
 #   scripts/setup.sh --fuzz     also clang and its fuzzing runtime
+#   scripts/setup.sh --memcheck also valgrind (memory check of the port test against short-reading producers)
 set -euo pipefail
 
 packages=(
@@ -19,7 +20,8 @@ for option in "$@"; do
   case "$option" in
     --bench) packages+=(libopencv-dev libyuv-dev) ;;
     --fuzz) packages+=(clang libclang-rt-14-dev) ;;
-    *) echo "setup.sh: unknown option '$option' (use --bench, --fuzz)" >&2; exit 2 ;;
+    --memcheck) packages+=(valgrind) ;;
+    *) echo "setup.sh: unknown option '$option' (use --bench, --fuzz, --memcheck)" >&2; exit 2 ;;
   esac
 done
 

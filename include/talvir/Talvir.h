@@ -10,6 +10,7 @@
 // failure they return an empty list or a null pointer.
 #include <talvir/CameraTypes.h>
 #include <talvir/CustomInfo.h>
+#include <talvir/Diagnostics.h>
 #include <talvir/Export.h>
 #include <talvir/ICamera.h>
 #include <talvir/ICameraInfo.h>

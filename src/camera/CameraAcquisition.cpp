@@ -369,10 +369,10 @@ uint64_t CCamera::GetAnnounceCount() {
 
 void CCamera::RevokeBuffers() {
   CCti* const producer = m_pStreamPort != nullptr ? m_pStreamPort->Producer() : nullptr;
-  const auto revoke = producer != nullptr ? producer->Api().DSRevokeBuffer : nullptr;
   for (auto& entry : m_buffers) {
-    const bool revoked =
-        revoke != nullptr && revoke(m_pStreamPort->Handle(), entry.first, nullptr, nullptr) == GenTL::GC_ERR_SUCCESS;
+    const bool revoked = producer != nullptr && producer->Api().DSRevokeBuffer != nullptr &&
+                         producer->Api().DSRevokeBuffer(m_pStreamPort->Handle(), entry.first, nullptr, nullptr) ==
+                             GenTL::GC_ERR_SUCCESS;
     if (!revoked) {
       // The producer still knows this buffer and may write into it: its memory stays until the stream closes.
       m_unrevoked.push_back(std::move(entry.second.memory));

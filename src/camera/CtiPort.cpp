@@ -60,9 +60,14 @@ void CCtiPort::Read(void* buffer, int64_t address, int64_t length) {
     return;
   }
   size_t size = static_cast<size_t>(length);
-  const auto readPort = m_pCti->Api().GCReadPort;
+  const auto& readPort = m_pCti->Api().GCReadPort;
   if (readPort == nullptr ||
       readPort(m_hPort, static_cast<uint64_t>(address), buffer, &size) != GenTL::GC_ERR_SUCCESS) {
+    ThrowAccessFailure(EAccess::Read, address);
+  }
+  // A producer that reads fewer bytes than asked leaves the rest of the buffer as it was: a failed read, not a
+  // value made of whatever the buffer held.
+  if (size < static_cast<size_t>(length)) {
     ThrowAccessFailure(EAccess::Read, address);
   }
 }
@@ -72,7 +77,7 @@ void CCtiPort::Write(const void* buffer, int64_t address, int64_t length) {
     return;
   }
   size_t size = static_cast<size_t>(length);
-  const auto writePort = m_pCti->Api().GCWritePort;
+  const auto& writePort = m_pCti->Api().GCWritePort;
   if (writePort == nullptr ||
       writePort(m_hPort, static_cast<uint64_t>(address), buffer, &size) != GenTL::GC_ERR_SUCCESS) {
     ThrowAccessFailure(EAccess::Write, address);

@@ -6,16 +6,21 @@
 #include <talvir/ICameraInfo.h>
 #include <talvir/TLType.h>
 
+#include <cstdio>
 #include <string>
 #include <thread>
 
 namespace TALVIR {
 namespace {
 
-std::vector<CCti*> LoadProducers(CCtiManager& manager, const std::vector<std::string>& names) {
+// Loads every named producer; `record` learns the names, each taking part when it loaded.
+std::vector<CCti*> LoadProducers(CCtiManager& manager, const std::vector<std::string>& names,
+                                 CDiscoveryRecord& record) {
   std::vector<CCti*> producers;
   for (const std::string& name : names) {
-    if (CCti* producer = manager.GetOrLoadProducer(name)) {
+    CCti* const producer = manager.GetOrLoadProducer(name);
+    record.considered.emplace_back(name, producer != nullptr);
+    if (producer != nullptr) {
       producers.push_back(producer);
     }
   }
@@ -54,24 +59,46 @@ bool ProducerSelectedByMask(uint32_t producerType, uint64_t mask) {
 
 std::list<ICameraInfo*> DiscoverByName(CCtiManager& manager, const char* name) {
   std::vector<std::string> names;
+  CDiscoveryRecord record;
   if (name != nullptr && name[0] != '\0') {
     names.emplace_back(name);
+    record.request = std::string("Discovery(\"") + name + "\")";
   } else {
     names = manager.ProducerNames();
+    record.request = "Discovery(every producer)";
   }
-  return DiscoverWithProducers(LoadProducers(manager, names));
+  const std::vector<CCti*> producers = LoadProducers(manager, names, record);
+  // Recorded before the enumeration: a device ID too long for its buffer ends the enumeration with an exception,
+  // and the report should still say which discovery that was.
+  manager.RecordDiscovery(record);
+  return DiscoverWithProducers(producers);
 }
 
 std::list<ICameraInfo*> DiscoverByTLType(CCtiManager& manager, uint64_t mask) {
+  char maskText[32];
+  std::snprintf(maskText, sizeof maskText, "0x%llx", static_cast<unsigned long long>(mask));
+  CDiscoveryRecord record;
+  record.request = std::string("DiscoveryByTLType(") + maskText + ")";
+  record.byType = true;
+  record.mask = mask;
   if (mask == TLType::CLSerialOnly) {
+    manager.RecordDiscovery(record);
     return {};
   }
   std::vector<CCti*> selected;
-  for (CCti* producer : LoadProducers(manager, manager.ProducerNames())) {
-    if (ProducerSelectedByMask(producer->ProducerTLType(), mask)) {
+  const std::vector<CCti*> loaded = LoadProducers(manager, manager.ProducerNames(), record);
+  size_t next = 0;
+  for (std::pair<std::string, bool>& considered : record.considered) {
+    if (!considered.second) {
+      continue;
+    }
+    CCti* const producer = loaded.at(next++);
+    considered.second = ProducerSelectedByMask(producer->ProducerTLType(), mask);
+    if (considered.second) {
       selected.push_back(producer);
     }
   }
+  manager.RecordDiscovery(record);
   return DiscoverWithProducers(selected);
 }
 

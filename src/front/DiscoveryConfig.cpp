@@ -13,14 +13,28 @@ namespace {
 struct CConfigValue {
   bool found = false;
   std::string ctiNames;
+  bool skipFound = false;
+  bool skipEmptyInterfaces = false;
+  bool searchFound = false;
+  bool searchGenTLPath = false;
 };
 
 int OnIniEntry(void* user, const char* section, const char* name, const char* value) {
   auto* result = static_cast<CConfigValue*>(user);
-  // The first occurrence wins, as with the usual INI readers.
-  if (!result->found && strcasecmp(section, "User") == 0 && strcasecmp(name, "CtiNames") == 0) {
+  if (strcasecmp(section, "User") != 0) {
+    return 1;
+  }
+  const std::string text = value != nullptr ? value : "";
+  // The first occurrence of each key wins, as with the usual INI readers.
+  if (!result->found && strcasecmp(name, "CtiNames") == 0) {
     result->found = true;
-    result->ctiNames = value != nullptr ? value : "";
+    result->ctiNames = text;
+  } else if (!result->skipFound && strcasecmp(name, "SkipEmptyInterfaces") == 0) {
+    result->skipFound = true;
+    result->skipEmptyInterfaces = ParseConfigSwitch(text);
+  } else if (!result->searchFound && strcasecmp(name, "SearchGenTLPath") == 0) {
+    result->searchFound = true;
+    result->searchGenTLPath = ParseConfigSwitch(text);
   }
   return 1;
 }
@@ -96,7 +110,16 @@ std::list<std::string> SplitProducerNames(const std::string& value) {
   return names;
 }
 
-std::optional<std::list<std::string>> ParseDiscoveryConfig(const std::string& text) {
+bool ParseConfigSwitch(const std::string& value) {
+  for (const char* yes : {"1", "true", "yes", "on"}) {
+    if (strcasecmp(value.c_str(), yes) == 0) {
+      return true;
+    }
+  }
+  return false;
+}
+
+std::optional<CDiscoveryConfig> ParseDiscoveryConfigText(const std::string& text) {
   CConfigValue value;
   int status = 0;
   {
@@ -106,15 +129,29 @@ std::optional<std::list<std::string>> ParseDiscoveryConfig(const std::string& te
   if (status != 0) {
     return std::nullopt;
   }
-  return SplitProducerNames(value.ctiNames);
+  CDiscoveryConfig config;
+  config.ctiNames = SplitProducerNames(value.ctiNames);
+  config.ctiNamesGiven = value.found;
+  config.skipEmptyInterfaces = value.skipEmptyInterfaces;
+  config.searchGenTLPath = value.searchGenTLPath;
+  config.switchesGiven = value.skipFound || value.searchFound;
+  return config;
 }
 
-std::optional<std::list<std::string>> ReadDiscoveryConfig(const std::string& path) {
+std::optional<std::list<std::string>> ParseDiscoveryConfig(const std::string& text) {
+  std::optional<CDiscoveryConfig> config = ParseDiscoveryConfigText(text);
+  if (!config) {
+    return std::nullopt;
+  }
+  return std::move(config->ctiNames);
+}
+
+std::optional<CDiscoveryConfig> ReadDiscoveryConfig(const std::string& path) {
   const std::optional<std::vector<char>> content = Platform::ReadWholeFile(path);
   if (!content) {
     return std::nullopt;
   }
-  return ParseDiscoveryConfig(std::string(content->begin(), content->end()));
+  return ParseDiscoveryConfigText(std::string(content->begin(), content->end()));
 }
 
 } // namespace TALVIR

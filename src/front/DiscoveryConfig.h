@@ -9,6 +9,22 @@ namespace TALVIR {
 // File name of the configuration, beside the library.
 constexpr const char* kDiscoveryConfigFileName = "DiscoveryCfg.ini";
 
+// Everything the configuration file says; keys of the section "User", compared ignoring case.
+struct CDiscoveryConfig {
+  // "CtiNames": the producer names, split by SplitProducerNames (an absent key gives one empty name).
+  std::list<std::string> ctiNames;
+  bool ctiNamesGiven = false;
+  // "SkipEmptyInterfaces": interfaces without devices are skipped instead of failing their producer's enumeration.
+  bool skipEmptyInterfaces = false;
+  // "SearchGenTLPath": producers are also looked for in the folders of GENICAM_GENTL64_PATH.
+  bool searchGenTLPath = false;
+  // Whether the file sets either switch (whatever its value).
+  bool switchesGiven = false;
+};
+
+// An INI switch: "1", "true", "yes" and "on" in any case are true; anything else is false.
+bool ParseConfigSwitch(const std::string& value);
+
 // Splits the configured value at every ';'. Pieces are kept as they stand (no trimming), empty ones included, and
 // the rest after the last ';' is always appended, even when empty: "" gives one empty name, "a;" gives "a" and "".
 std::list<std::string> SplitProducerNames(const std::string& value);
@@ -17,7 +33,10 @@ std::list<std::string> SplitProducerNames(const std::string& value);
 // key reads as the empty value); nothing when the text is not valid INI.
 std::optional<std::list<std::string>> ParseDiscoveryConfig(const std::string& text);
 
-// The same for the file at `path`; nothing when it cannot be read or parsed.
-std::optional<std::list<std::string>> ReadDiscoveryConfig(const std::string& path);
+// Every setting of INI text; nothing when the text is not valid INI.
+std::optional<CDiscoveryConfig> ParseDiscoveryConfigText(const std::string& text);
+
+// Every setting of the file at `path`; nothing when it cannot be read or parsed.
+std::optional<CDiscoveryConfig> ReadDiscoveryConfig(const std::string& path);
 
 } // namespace TALVIR

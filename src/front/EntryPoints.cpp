@@ -4,6 +4,9 @@
 #include "front/CtiManager.h"
 #include "front/Discovery.h"
 #include "image/ImgTool.h"
+#include "front/DiscoveryReport.h"
+#include "gentl/DiagnosticSink.h"
+#include "gentl/GenTLErrorText.h"
 #include "platform/SelfPath.h"
 
 #include <talvir/Talvir.h>
@@ -86,6 +89,25 @@ ICamera* CreateCameraBySN(const char* serialNumber) {
 
 uint32_t ConvertedPixelFormat(uint32_t pixelFormat) {
   return CImgTool::OutputFormatOf(pixelFormat);
+}
+
+DiscoveryReport GetDiscoveryReport() {
+  if (g_manager == nullptr) {
+    return DiscoveryReport();
+  }
+  return BuildDiscoveryReport(*g_manager);
+}
+
+const char* OpenStatusText(int32_t openStatus) {
+  return OpenProducerStatusText(openStatus);
+}
+
+const char* GenTLErrorName(int32_t errorCode) {
+  return GenTLErrorCodeName(errorCode);
+}
+
+void SetDiagnosticCallback(DiagnosticCallback callback, void* context) {
+  CDiagnosticSink::Set(callback, context);
 }
 
 } // namespace TALVIR

@@ -1,6 +1,7 @@
 #include "gentl/Cti.h"
 
 #include "gentl/CameraInfo.h"
+#include "gentl/GenTLErrorText.h"
 #include "gentl/TLTypeTable.h"
 
 #include <talvir/TLType.h>
@@ -52,10 +53,46 @@ constexpr CSpecificCommand kUsb3VisionCommands[] = {
     {1102, false, CustomInfo::U3VInfo1102},
 };
 
+// The report of the enumeration running on this thread: device information queries run inside FillCameraInfo,
+// which an overriding producer class may call, so they reach the report through the thread.
+thread_local CEnumerationReport* t_enumerationReport = nullptr;
+
+class CEnumerationReportScope {
+public:
+  explicit CEnumerationReportScope(CEnumerationReport& report) : m_previous(t_enumerationReport) {
+    t_enumerationReport = &report;
+  }
+  ~CEnumerationReportScope() { t_enumerationReport = m_previous; }
+  CEnumerationReportScope(const CEnumerationReportScope&) = delete;
+  CEnumerationReportScope& operator=(const CEnumerationReportScope&) = delete;
+
+private:
+  CEnumerationReport* m_previous;
+};
+
+DiscoveryNote Note(DiscoveryRule rule, std::string interfaceID, std::string deviceID, int32_t errorCode,
+                   std::string text) {
+  DiscoveryNote note;
+  note.rule = rule;
+  note.interfaceID = std::move(interfaceID);
+  note.deviceID = std::move(deviceID);
+  note.errorCode = errorCode;
+  note.text = std::move(text);
+  return note;
+}
+
+std::string CallFailure(const char* function, int32_t code) {
+  return std::string(function) + " returned " + std::to_string(code) + " (" + GenTLErrorCodeName(code) + ")";
+}
+
 } // namespace
 
 CCti::CCti(std::string fileName, CCtiEnvironment environment)
-    : m_fileName(std::move(fileName)), m_environment(std::move(environment)) {}
+    : m_fileName(std::move(fileName)), m_environment(std::move(environment)) {
+  m_callContext.producer = m_fileName;
+  m_loadReport.name = m_fileName;
+  m_loadReport.path = m_environment.directory + m_fileName;
+}
 
 CCti::~CCti() {
   if (m_module == nullptr) {
@@ -86,12 +123,35 @@ CCti::~CCti() {
 bool CCti::Load() {
   m_module = Platform::LoadModule(m_environment.directory + m_fileName);
   if (m_module == nullptr) {
+    m_loadReport.state = ProducerState::FileNotLoadable;
+    m_loadReport.loaderError = Platform::LastModuleError();
     return false;
   }
-  if (!BindGenTLFunctions(m_module, m_api)) {
+  std::string missingFunction;
+  const bool bound = BindGenTLFunctions(m_module, m_api, &m_callContext, &missingFunction);
+  // Also for a producer that stays half bound: its close is still called and may fail.
+  m_callContext.lastError = m_api.GCGetLastError.Raw();
+  if (!bound) {
+    m_loadReport.state = ProducerState::FunctionMissing;
+    m_loadReport.missingFunction = missingFunction;
     return false;
   }
-  return OpenProducer() == OpenProducerStatus::Ok;
+  const int32_t status = OpenProducer();
+  m_loadReport.openStatus = status;
+  m_loadReport.openStatusText = OpenProducerStatusText(status);
+  if (status != OpenProducerStatus::Ok) {
+    m_loadReport.state = ProducerState::OpenFailed;
+    return false;
+  }
+  m_loadReport.state = ProducerState::Loaded;
+  return true;
+}
+
+int32_t CCti::OpenFailure(int32_t status, GenTL::GC_ERROR code) {
+  m_loadReport.errorCode = code;
+  // Asked at once, on the thread of the failed call: the producer keeps its last error per thread.
+  m_loadReport.lastErrorText = ProducerLastErrorText(m_api.GCGetLastError.Raw());
+  return status;
 }
 
 std::unique_ptr<IGenTLModule> CCti::MakeModuleRecord(void* handle) {
@@ -102,90 +162,191 @@ std::unique_ptr<IGenTLModule> CCti::MakeModuleRecord(void* handle) {
 }
 
 int32_t CCti::OpenProducer() {
-  if (m_api.GCInitLib() != GenTL::GC_ERR_SUCCESS) {
-    return OpenProducerStatus::InitLibFailed;
+  GenTL::GC_ERROR code = m_api.GCInitLib();
+  if (code != GenTL::GC_ERR_SUCCESS) {
+    return OpenFailure(OpenProducerStatus::InitLibFailed, code);
   }
-  if (m_api.TLOpen(&m_systemHandle) != GenTL::GC_ERR_SUCCESS) {
+  code = m_api.TLOpen(&m_systemHandle);
+  if (code != GenTL::GC_ERR_SUCCESS) {
     m_systemHandle = nullptr;
-    return OpenProducerStatus::TLOpenFailed;
+    return OpenFailure(OpenProducerStatus::TLOpenFailed, code);
   }
   m_systemPort = MakeModuleRecord(m_systemHandle);
 
   GenTL::bool8_t changed = 0;
-  if (m_api.TLUpdateInterfaceList(m_systemHandle, &changed, kUpdateListTimeoutMs) != GenTL::GC_ERR_SUCCESS) {
-    return OpenProducerStatus::UpdateInterfaceListFailed;
+  code = m_api.TLUpdateInterfaceList(m_systemHandle, &changed, kUpdateListTimeoutMs);
+  if (code != GenTL::GC_ERR_SUCCESS) {
+    return OpenFailure(OpenProducerStatus::UpdateInterfaceListFailed, code);
   }
   uint32_t interfaceCount = 0;
-  if (m_api.TLGetNumInterfaces(m_systemHandle, &interfaceCount) != GenTL::GC_ERR_SUCCESS) {
-    return OpenProducerStatus::GetNumInterfacesFailed;
+  code = m_api.TLGetNumInterfaces(m_systemHandle, &interfaceCount);
+  if (code != GenTL::GC_ERR_SUCCESS) {
+    return OpenFailure(OpenProducerStatus::GetNumInterfacesFailed, code);
   }
   if (interfaceCount == 0) {
     return OpenProducerStatus::NoInterface;
   }
 
   m_interfaces.clear();
+  m_interfaceIDs.clear();
   // The size is set once and deliberately carries over from one call to the next, each call receiving the size the
   // previous one returned: an interface ID longer than the one before it fails the whole open.
   size_t idSize = kGenTLIDBufferSize;
   for (uint32_t index = 0; index < interfaceCount; ++index) {
     std::array<char, kGenTLIDBufferSize> id{};
-    if (m_api.TLGetInterfaceID(m_systemHandle, index, id.data(), &idSize) != GenTL::GC_ERR_SUCCESS) {
-      return OpenProducerStatus::GetInterfaceIDFailed;
+    code = m_api.TLGetInterfaceID(m_systemHandle, index, id.data(), &idSize);
+    if (code != GenTL::GC_ERR_SUCCESS) {
+      return OpenFailure(OpenProducerStatus::GetInterfaceIDFailed, code);
     }
     GenTL::IF_HANDLE interfaceHandle = nullptr;
     const std::string interfaceID = TextOf(id.data(), id.size());
-    if (m_api.TLOpenInterface(m_systemHandle, interfaceID.c_str(), &interfaceHandle) != GenTL::GC_ERR_SUCCESS) {
-      return OpenProducerStatus::OpenInterfaceFailed;
+    code = m_api.TLOpenInterface(m_systemHandle, interfaceID.c_str(), &interfaceHandle);
+    if (code != GenTL::GC_ERR_SUCCESS) {
+      return OpenFailure(OpenProducerStatus::OpenInterfaceFailed, code);
     }
     m_interfaces.push_back(MakeModuleRecord(interfaceHandle));
+    m_interfaceIDs.push_back(interfaceID);
   }
   return OpenProducerStatus::Ok;
 }
 
 bool CCti::EnumDevices(std::list<CCameraInfo*>& out) {
+  CEnumerationReport report;
+  report.ran = true;
+  for (const std::string& id : m_interfaceIDs) {
+    InterfaceReport interfaceReport;
+    interfaceReport.id = id;
+    report.interfaces.push_back(interfaceReport);
+  }
+  bool succeeded = false;
+  try {
+    CEnumerationReportScope scope(report);
+    succeeded = EnumerateInterfaces(out, report);
+  } catch (...) {
+    std::lock_guard<std::mutex> lock(m_reportMutex);
+    m_lastEnumeration = std::move(report);
+    throw;
+  }
+  report.succeeded = succeeded;
+  if (!succeeded) {
+    report.devicesListed = 0;
+    report.notes.push_back(Note(DiscoveryRule::EnumerationFailed, "", "", 0,
+                                "the enumeration failed, so this discovery lists none of this producer's devices; "
+                                "its earlier device list stays in force"));
+  }
+  std::lock_guard<std::mutex> lock(m_reportMutex);
+  m_lastEnumeration = std::move(report);
+  return succeeded;
+}
+
+bool CCti::EnumerateInterfaces(std::list<CCameraInfo*>& out, CEnumerationReport& report) {
   if (m_interfaces.empty()) {
     return false;
   }
-  for (const std::unique_ptr<IGenTLModule>& interfaceModule : m_interfaces) {
+  for (size_t interfaceIndex = 0; interfaceIndex < m_interfaces.size(); ++interfaceIndex) {
+    IGenTLModule* const interfaceModule = m_interfaces[interfaceIndex].get();
+    InterfaceReport& interfaceReport = report.interfaces.at(interfaceIndex);
     void* const interfaceHandle = interfaceModule->Handle();
     GenTL::bool8_t changed = 0;
-    if (m_api.IFUpdateDeviceList(interfaceHandle, &changed, kUpdateListTimeoutMs) != GenTL::GC_ERR_SUCCESS) {
+    GenTL::GC_ERROR code = m_api.IFUpdateDeviceList(interfaceHandle, &changed, kUpdateListTimeoutMs);
+    if (code != GenTL::GC_ERR_SUCCESS) {
+      report.notes.push_back(Note(DiscoveryRule::InterfaceUpdateFailed, interfaceReport.id, "", code,
+                                  CallFailure("IFUpdateDeviceList", code) + ": the whole producer lists nothing"));
       return false;
     }
     uint32_t deviceCount = 0;
-    if (m_api.IFGetNumDevices(interfaceHandle, &deviceCount) != GenTL::GC_ERR_SUCCESS || deviceCount == 0) {
+    code = m_api.IFGetNumDevices(interfaceHandle, &deviceCount);
+    if (code != GenTL::GC_ERR_SUCCESS) {
+      report.notes.push_back(Note(DiscoveryRule::InterfaceCountFailed, interfaceReport.id, "", code,
+                                  CallFailure("IFGetNumDevices", code) + ": the whole producer lists nothing"));
+      return false;
+    }
+    interfaceReport.counted = true;
+    interfaceReport.deviceCount = deviceCount;
+    if (deviceCount == 0) {
+      if (m_environment.skipEmptyInterfaces) {
+        report.notes.push_back(Note(DiscoveryRule::EmptyInterfaceSkipped, interfaceReport.id, "", 0,
+                                    "no device on this interface; skipped (SkipEmptyInterfaces)"));
+        continue;
+      }
+      // One empty interface fails the whole enumeration, so that the previous device list stays in force.
+      report.notes.push_back(Note(DiscoveryRule::EmptyInterface, interfaceReport.id, "", 0,
+                                  "no device on this interface, so the whole producer lists nothing (set "
+                                  "SkipEmptyInterfaces=1 in DiscoveryCfg.ini to skip such interfaces)"));
       return false;
     }
     for (uint32_t index = 0; index < deviceCount; ++index) {
       std::array<char, kGenTLIDBufferSize> id{};
       size_t idSize = id.size();
-      if (m_api.IFGetDeviceID(interfaceHandle, index, id.data(), &idSize) != GenTL::GC_ERR_SUCCESS) {
+      code = m_api.IFGetDeviceID(interfaceHandle, index, id.data(), &idSize);
+      if (code != GenTL::GC_ERR_SUCCESS) {
+        report.notes.push_back(Note(DiscoveryRule::DeviceIDFailed, interfaceReport.id, "", code,
+                                    CallFailure("IFGetDeviceID", code) + " for device index " + std::to_string(index) +
+                                        ": that device is left out"));
         continue;
       }
       // The terminating zero goes at the returned size; a producer that claims the whole buffer or more leaves no
       // room for it.
       if (idSize >= id.size()) {
+        report.notes.push_back(Note(DiscoveryRule::DeviceIDTooLong, interfaceReport.id, "", 0,
+                                    "device index " + std::to_string(index) + " has an ID of " +
+                                        std::to_string(idSize) + " bytes, more than the 1023 that fit"));
         throw std::out_of_range("device ID of " + std::to_string(idSize) + " bytes from producer " + m_fileName +
                                 " does not fit the " + std::to_string(id.size()) + "-byte ID buffer");
       }
       id[idSize] = '\0';
-      auto* record = new CCameraInfo(this, interfaceModule.get());
+      auto* record = new CCameraInfo(this, interfaceModule);
       record->m_deviceID = TextOf(id.data(), id.size());
       record->m_producerDeviceID = record->m_deviceID;
       record->m_customInfo[CustomInfo::ProducerFile] = m_fileName;
       out.push_back(record);
       FillCameraInfo(*record, record->m_deviceID);
+      ++interfaceReport.devicesListed;
+      ++report.devicesListed;
     }
   }
   return true;
 }
 
+std::string CCti::InterfaceIDOf(const IGenTLModule& interfaceModule) const {
+  for (size_t index = 0; index < m_interfaces.size() && index < m_interfaceIDs.size(); ++index) {
+    if (m_interfaces[index].get() == &interfaceModule) {
+      return m_interfaceIDs[index];
+    }
+  }
+  return std::string();
+}
+
+CEnumerationReport CCti::LastEnumeration() const {
+  std::lock_guard<std::mutex> lock(m_reportMutex);
+  return m_lastEnumeration;
+}
+
+void CCti::NoteForEnumeration(DiscoveryNote note) {
+  if (t_enumerationReport != nullptr) {
+    t_enumerationReport->notes.push_back(std::move(note));
+  }
+}
+
 bool CCti::QueryDeviceBuffer(IGenTLModule& interfaceModule, const std::string& deviceID, int32_t command, void* buffer,
-                             size_t size) {
-  GenTL::INFO_DATATYPE type = GenTL::INFO_DATATYPE_UNKNOWN;
+                             size_t size, GenTL::INFO_DATATYPE* type, size_t* answeredSize) {
+  GenTL::INFO_DATATYPE answerType = GenTL::INFO_DATATYPE_UNKNOWN;
   size_t bufferSize = size;
-  return m_api.IFGetDeviceInfo(interfaceModule.Handle(), deviceID.c_str(), command, &type, buffer, &bufferSize) ==
-         GenTL::GC_ERR_SUCCESS;
+  const GenTL::GC_ERROR code =
+      m_api.IFGetDeviceInfo(interfaceModule.Handle(), deviceID.c_str(), command, &answerType, buffer, &bufferSize);
+  if (code != GenTL::GC_ERR_SUCCESS) {
+    NoteForEnumeration(Note(DiscoveryRule::InfoQueryFailed, InterfaceIDOf(interfaceModule), deviceID, code,
+                            CallFailure("IFGetDeviceInfo", code) + " for command " + std::to_string(command) +
+                                ": the record keeps that field empty"));
+    return false;
+  }
+  if (type != nullptr) {
+    *type = answerType;
+  }
+  if (answeredSize != nullptr) {
+    *answeredSize = bufferSize;
+  }
+  return true;
 }
 
 bool CCti::QueryDeviceText(IGenTLModule& interfaceModule, const std::string& deviceID, int32_t command,

@@ -4,6 +4,8 @@
 #include "gentl/GenTLFunctionTable.h"
 #include "gentl/GenTLModule.h"
 
+#include <talvir/Diagnostics.h>
+
 #include <cstdint>
 #include <functional>
 #include <list>
@@ -25,6 +27,18 @@ struct CCtiEnvironment {
   ModulePortFactory makeModulePort;
   // The Camera Link protocol descriptor stored with Camera Link grabber devices; null stores an empty text.
   std::function<std::string()> clProtocolDescriptor;
+  // Interfaces without devices are skipped instead of failing the whole enumeration (DiscoveryCfg.ini,
+  // SkipEmptyInterfaces); off by default.
+  bool skipEmptyInterfaces = false;
+};
+
+// What the last enumeration of a producer saw: its interfaces, and every rule that kept devices out.
+struct CEnumerationReport {
+  bool ran = false;
+  bool succeeded = false;
+  uint32_t devicesListed = 0;
+  std::vector<InterfaceReport> interfaces;
+  std::vector<DiscoveryNote> notes;
 };
 
 // Status codes of OpenProducer.
@@ -72,6 +86,13 @@ public:
   // The transport-layer type (TLType bit) that the producer reports for its first interface; 0 when unknown.
   uint32_t ProducerTLType() const;
 
+  // How loading went: state, missing function, open status with the failing call's error and last-error text.
+  ProducerReport LoadReport() const { return m_loadReport; }
+  // The report of the last enumeration (empty until one ran).
+  CEnumerationReport LastEnumeration() const;
+  // The IDs of the opened interfaces, in order.
+  const std::vector<std::string>& InterfaceIDs() const { return m_interfaceIDs; }
+
   const std::string& FileName() const { return m_fileName; }
   const CGenTLFunctionTable& Api() const { return m_api; }
   bool IsLoaded() const { return m_module != nullptr; }
@@ -85,11 +106,19 @@ protected:
   bool QueryDeviceText(IGenTLModule& interfaceModule, const std::string& deviceID, int32_t command, std::string& text);
   // One numeric device information query of at most 8 bytes into a zeroed 64-bit value.
   bool QueryDeviceNumber(IGenTLModule& interfaceModule, const std::string& deviceID, int32_t command, uint64_t& value);
-  // One device information query into a caller's buffer of `size` bytes.
+  // One device information query into a caller's buffer of `size` bytes; the answer's type and size go to `type`
+  // and `answeredSize` when given. A refused query is noted in the running enumeration's report.
   bool QueryDeviceBuffer(IGenTLModule& interfaceModule, const std::string& deviceID, int32_t command, void* buffer,
-                         size_t size);
+                         size_t size, GenTL::INFO_DATATYPE* type = nullptr, size_t* answeredSize = nullptr);
+  // Adds a note to the report of the enumeration running on this thread, if any.
+  static void NoteForEnumeration(DiscoveryNote note);
+  // The ID of one of this producer's interface records; empty for another record.
+  std::string InterfaceIDOf(const IGenTLModule& interfaceModule) const;
 
 private:
+  bool EnumerateInterfaces(std::list<CCameraInfo*>& out, CEnumerationReport& report);
+  // Records why opening stopped (the GenTL error of the failing call and the producer's text) and returns `status`.
+  int32_t OpenFailure(int32_t status, GenTL::GC_ERROR code);
   void ProducerSpecificInfo(CCameraInfo& record, const std::string& deviceID, IGenTLModule& interfaceModule);
   std::unique_ptr<IGenTLModule> MakeModuleRecord(void* handle);
   static void GiveUp(std::list<CCameraInfo*>& records);
@@ -100,9 +129,14 @@ private:
   void* m_systemHandle = nullptr;
   std::unique_ptr<IGenTLModule> m_systemPort;
   std::vector<std::unique_ptr<IGenTLModule>> m_interfaces;
+  std::vector<std::string> m_interfaceIDs;
   std::list<CCameraInfo*> m_deviceCache;
   std::mutex m_cacheMutex;
+  CGenTLCallContext m_callContext;
   CGenTLFunctionTable m_api;
+  ProducerReport m_loadReport;
+  mutable std::mutex m_reportMutex;
+  CEnumerationReport m_lastEnumeration;
 };
 
 } // namespace TALVIR

@@ -12,4 +12,24 @@ std::optional<std::string> EnvironmentVariable(const std::string& name) {
   return std::string(value);
 }
 
+char PathListSeparator() {
+  return ':';
+}
+
+std::vector<std::string> SplitPathList(const std::string& value) {
+  std::vector<std::string> folders;
+  size_t start = 0;
+  while (start <= value.size()) {
+    size_t end = value.find(PathListSeparator(), start);
+    if (end == std::string::npos) {
+      end = value.size();
+    }
+    if (end > start) {
+      folders.push_back(value.substr(start, end - start));
+    }
+    start = end + 1;
+  }
+  return folders;
+}
+
 } // namespace TALVIR::Platform

@@ -135,12 +135,49 @@ TEST(ParseDiscoveryConfig, ReadsTheSameWhateverOptionsTheApplicationGaveTheReade
 TEST(ReadDiscoveryConfig, ReadsAFileAndRefusesAMissingOne) {
   Testing::CTempDirectory folder;
   const auto path = folder.WriteFile("DiscoveryCfg.ini", "[User]\nCtiNames=X.cti;\n");
-  const auto names = ReadDiscoveryConfig(path.string());
-  ASSERT_TRUE(names.has_value());
-  EXPECT_THAT(*names, ElementsAre("X.cti", ""));
+  const auto config = ReadDiscoveryConfig(path.string());
+  ASSERT_TRUE(config.has_value());
+  EXPECT_THAT(config->ctiNames, ElementsAre("X.cti", ""));
   EXPECT_FALSE(ReadDiscoveryConfig((folder.Path() / "absent.ini").string()).has_value());
   // A doubled separator in the path is harmless.
   EXPECT_TRUE(ReadDiscoveryConfig(folder.Path().string() + "//DiscoveryCfg.ini").has_value());
+}
+
+TEST(ParseDiscoveryConfigText, TheOptInSwitchesAreOffByDefault) {
+  const auto config = ParseDiscoveryConfigText("[User]\nCtiNames=A.cti\n");
+  ASSERT_TRUE(config.has_value());
+  EXPECT_TRUE(config->ctiNamesGiven);
+  EXPECT_FALSE(config->skipEmptyInterfaces);
+  EXPECT_FALSE(config->searchGenTLPath);
+  const auto none = ParseDiscoveryConfigText("[User]\n");
+  ASSERT_TRUE(none.has_value());
+  EXPECT_FALSE(none->ctiNamesGiven);
+  EXPECT_THAT(none->ctiNames, ElementsAre(""));
+}
+
+TEST(ParseDiscoveryConfigText, ReadsTheSwitchesOfTheUserSectionIgnoringCase) {
+  const auto config = ParseDiscoveryConfigText("[user]\nskipemptyinterfaces = Yes\nSEARCHGENTLPATH=1\n");
+  ASSERT_TRUE(config.has_value());
+  EXPECT_TRUE(config->skipEmptyInterfaces);
+  EXPECT_TRUE(config->searchGenTLPath);
+  EXPECT_FALSE(config->ctiNamesGiven);
+  const auto otherSection = ParseDiscoveryConfigText("[System]\nSkipEmptyInterfaces=1\nSearchGenTLPath=1\n");
+  ASSERT_TRUE(otherSection.has_value());
+  EXPECT_FALSE(otherSection->skipEmptyInterfaces);
+  EXPECT_FALSE(otherSection->searchGenTLPath);
+  // The first occurrence of a key wins.
+  const auto twice = ParseDiscoveryConfigText("[User]\nSkipEmptyInterfaces=0\nSkipEmptyInterfaces=1\n");
+  ASSERT_TRUE(twice.has_value());
+  EXPECT_FALSE(twice->skipEmptyInterfaces);
+}
+
+TEST(ParseConfigSwitch, OnlyTheUsualWordsForYesAreTrue) {
+  for (const char* yes : {"1", "true", "TRUE", "yes", "On"}) {
+    EXPECT_TRUE(ParseConfigSwitch(yes)) << yes;
+  }
+  for (const char* no : {"0", "false", "no", "off", "", "2", "yes please", " 1"}) {
+    EXPECT_FALSE(ParseConfigSwitch(no)) << no;
+  }
 }
 
 } // namespace

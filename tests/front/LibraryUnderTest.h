@@ -19,7 +19,8 @@ namespace TALVIR::Testing {
 class CLibraryUnderTest {
 public:
   CLibraryUnderTest() {
-    std::filesystem::copy_file(std::filesystem::path(TALVIR_BIN_DIR) / "libTalvir.so", m_folder.Path() / "libTalvir.so");
+    std::filesystem::copy_file(std::filesystem::path(TALVIR_BIN_DIR) / "libTalvir.so",
+                               m_folder.Path() / "libTalvir.so");
   }
   ~CLibraryUnderTest() {
     if (m_module.IsLoaded() && UnInit != nullptr) {
@@ -31,7 +32,8 @@ public:
 
   // A copy of build/bin/<name> (a producer) under `as` (default: the same name).
   void CopyFromBin(const std::string& name, const std::string& as = "") const {
-    std::filesystem::copy_file(std::filesystem::path(TALVIR_BIN_DIR) / name, m_folder.Path() / (as.empty() ? name : as));
+    std::filesystem::copy_file(std::filesystem::path(TALVIR_BIN_DIR) / name,
+                               m_folder.Path() / (as.empty() ? name : as));
   }
   // A symbolic link to any file, for producers whose state the test shares (the loader sees the linked file).
   void Link(const std::string& target, const std::string& as) const {
@@ -56,6 +58,9 @@ public:
     DiscoveryByTLType = Bind<decltype(&TALVIR::DiscoveryByTLType)>("_ZN6TALVIR17DiscoveryByTLTypeB5cxx11Em");
     CreateCamera = Bind<decltype(&TALVIR::CreateCamera)>("_ZN6TALVIR12CreateCameraEPNS_11ICameraInfoE");
     CreateCameraBySN = Bind<decltype(&TALVIR::CreateCameraBySN)>("_ZN6TALVIR16CreateCameraBySNEPKc");
+    GetDiscoveryReport = Bind<decltype(&TALVIR::GetDiscoveryReport)>("_ZN6TALVIR18GetDiscoveryReportEv");
+    SetDiagnosticCallback = Bind<decltype(&TALVIR::SetDiagnosticCallback)>(
+        "_ZN6TALVIR21SetDiagnosticCallbackEPFvRKNS_16GenTLCallFailureEPvES3_");
   }
 
   decltype(&TALVIR::Init) Init = nullptr;
@@ -64,6 +69,8 @@ public:
   decltype(&TALVIR::DiscoveryByTLType) DiscoveryByTLType = nullptr;
   decltype(&TALVIR::CreateCamera) CreateCamera = nullptr;
   decltype(&TALVIR::CreateCameraBySN) CreateCameraBySN = nullptr;
+  decltype(&TALVIR::GetDiscoveryReport) GetDiscoveryReport = nullptr;
+  decltype(&TALVIR::SetDiagnosticCallback) SetDiagnosticCallback = nullptr;
 
 private:
   template <typename TFunction> TFunction Bind(const char* name) const {

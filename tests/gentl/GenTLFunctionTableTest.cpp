@@ -9,7 +9,9 @@ namespace TALVIR {
 namespace {
 
 TEST(GenTLFunctionTable, HoldsTheFiftySevenFunctionsInBindingOrder) {
-  EXPECT_EQ(sizeof(CGenTLFunctionTable), kGenTLFunctionCount * sizeof(void*));
+  EXPECT_EQ(kGenTLFunctionCount, 57u);
+  EXPECT_EQ(sizeof(CGenTLFunctionTable), kGenTLFunctionCount * sizeof(decltype(CGenTLFunctionTable::GCGetInfo)))
+      << "one entry per function and nothing else";
   EXPECT_STREQ(GenTLFunctionName(0), "GCGetInfo");
   EXPECT_STREQ(GenTLFunctionName(2), "GCInitLib");
   EXPECT_STREQ(GenTLFunctionName(15), "TLOpen");
@@ -21,8 +23,8 @@ TEST(GenTLFunctionTable, HoldsTheFiftySevenFunctionsInBindingOrder) {
 
 TEST(GenTLFunctionTable, OnlyInformationQueriesAndLaterAdditionsAreOptional) {
   const std::set<std::string> optional = {
-      "GCGetInfo",        "GCGetLastError",   "GCGetPortInfo",     "EventGetDataInfo",   "EventGetInfo",
-      "GCGetNumPortURLs", "GCGetPortURLInfo", "GCReadPortStacked", "GCWritePortStacked", "DSGetBufferChunkData",
+      "GCGetInfo",        "GCGetLastError",   "GCGetPortInfo",     "EventGetDataInfo",    "EventGetInfo",
+      "GCGetNumPortURLs", "GCGetPortURLInfo", "GCReadPortStacked", "GCWritePortStacked",  "DSGetBufferChunkData",
       "IFGetParentTL",    "DevGetParentIF",   "DSGetParentDev",    "DSGetNumBufferParts", "DSGetBufferPartInfo"};
   size_t optionalCount = 0;
   for (size_t index = 0; index < kGenTLFunctionCount; ++index) {

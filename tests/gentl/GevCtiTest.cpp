@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 
 namespace TALVIR {
@@ -105,7 +106,8 @@ protected:
 TEST_F(GevCtiTest, DevicesCarryTheGigERecord) {
   Testing::CFakeDevice device = MakeFakeDevice("gev0", "SN-standard");
   const GevDeviceRecord record = SampleRecord();
-  device.textInfo[kGevDeviceRecordCommand] = std::string(reinterpret_cast<const char*>(record.data()), record.size());
+  device.typedInfo[kGevDeviceRecordCommand] = {
+      GenTL::INFO_DATATYPE_BUFFER, std::string(reinterpret_cast<const char*>(record.data()), record.size())};
   m_fake.State().interfaces.push_back(MakeFakeInterface("if0", "GEV", {device}));
   CGevCti cti("TalvirFake.cti", Environment());
   ASSERT_TRUE(cti.Load());
@@ -135,6 +137,52 @@ TEST_F(GevCtiTest, ADeviceWithoutTheGigERecordKeepsTheStandardFields) {
     EXPECT_EQ(info.GetCustomInfo(item), nullptr) << item;
   }
   records.front()->Destroy();
+}
+
+// Another maker's producer means something else by 1001: the answer is no GigE record and must not become one.
+void ExpectStandardFieldsOnly(const ICameraInfo& info) {
+  EXPECT_STREQ(info.GetDeviceID(), "gev0");
+  EXPECT_STREQ(info.GetVendor(), "Vendor of gev0");
+  EXPECT_STREQ(info.GetModel(), "Model of gev0");
+  EXPECT_STREQ(info.GetSerialNumber(), "SN-standard");
+  EXPECT_STREQ(info.GetUserDefinedName(), "User of gev0");
+  EXPECT_STREQ(info.GetVersion(), "Version of gev0");
+  EXPECT_EQ(info.GetAccessStatus(), 5u);
+  for (uint32_t item = 1; item <= 7; ++item) {
+    EXPECT_EQ(info.GetCustomInfo(item), nullptr) << item;
+  }
+}
+
+TEST_F(GevCtiTest, AnAnswerThatIsNotTheRecordLeavesTheStandardFields) {
+  const GevDeviceRecord record = SampleRecord();
+  const std::string wholeRecord(reinterpret_cast<const char*>(record.data()), record.size());
+  const Testing::CFakeAnswer answers[] = {
+      {GenTL::INFO_DATATYPE_PTR, std::string("\x10\x20\x30\x40\x50\x60\x70\x7f", 8)},
+      {GenTL::INFO_DATATYPE_BUFFER, wholeRecord.substr(0, 419)},
+      {GenTL::INFO_DATATYPE_STRING, wholeRecord},
+      {GenTL::INFO_DATATYPE_PTR, wholeRecord},
+  };
+  for (const Testing::CFakeAnswer& answer : answers) {
+    m_fake.State().Reset();
+    Testing::CFakeDevice device = MakeFakeDevice("gev0", "SN-standard");
+    device.typedInfo[kGevDeviceRecordCommand] = answer;
+    m_fake.State().interfaces.push_back(MakeFakeInterface("if0", "GEV", {device}));
+    CGevCti cti("TalvirFake.cti", Environment());
+    ASSERT_TRUE(cti.Load());
+    std::list<ICameraInfo*> records;
+    cti.Discover(&records);
+    ASSERT_EQ(records.size(), 1u);
+    SCOPED_TRACE("type " + std::to_string(answer.type) + ", " + std::to_string(answer.bytes.size()) + " bytes");
+    ExpectStandardFieldsOnly(*records.front());
+    records.front()->Destroy();
+    const CEnumerationReport report = cti.LastEnumeration();
+    const auto ignored = std::find_if(report.notes.begin(), report.notes.end(), [](const DiscoveryNote& note) {
+      return note.rule == DiscoveryRule::GigERecordIgnored;
+    });
+    ASSERT_NE(ignored, report.notes.end());
+    EXPECT_EQ(ignored->deviceID, "gev0");
+    EXPECT_EQ(ignored->interfaceID, "if0");
+  }
 }
 
 TEST_F(GevCtiTest, TheExtraModuleIsFreedWithTheProducer) {

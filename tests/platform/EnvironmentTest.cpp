@@ -1,5 +1,6 @@
 #include "platform/Environment.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <stdlib.h>
@@ -20,6 +21,16 @@ TEST(EnvironmentVariable, UnsetGivesNothing) {
   unsetenv("TALVIR_PLATFORM_TEST_UNSET");
   EXPECT_FALSE(EnvironmentVariable("TALVIR_PLATFORM_TEST_UNSET").has_value());
   EXPECT_FALSE(EnvironmentVariable("").has_value());
+}
+
+TEST(SplitPathList, KeepsFoldersInOrderAndDropsEmptyEntries) {
+  using ::testing::ElementsAre;
+  EXPECT_EQ(PathListSeparator(), ':');
+  EXPECT_THAT(SplitPathList("/a:/b c:/a"), ElementsAre("/a", "/b c", "/a"));
+  EXPECT_THAT(SplitPathList("::/a::"), ElementsAre("/a"));
+  EXPECT_THAT(SplitPathList("relative"), ElementsAre("relative"));
+  EXPECT_TRUE(SplitPathList("").empty());
+  EXPECT_TRUE(SplitPathList(":").empty());
 }
 
 } // namespace

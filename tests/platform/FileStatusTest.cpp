@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <unistd.h>
 
 namespace TALVIR::Platform {
@@ -29,6 +30,25 @@ TEST(PathExists, CountsRelativePathsFromTheCurrentFolder) {
   ASSERT_EQ(chdir(previous), 0);
   EXPECT_TRUE(found);
   EXPECT_FALSE(missing);
+}
+
+TEST(CanonicalPath, ResolvesLinksDotsAndDoubledSeparators) {
+  Testing::CTempDirectory folder;
+  const auto file = folder.WriteFile("target.cti", "x");
+  std::filesystem::create_directory(folder.Path() / "sub");
+  std::filesystem::create_symlink(file, folder.Path() / "sub" / "link.cti");
+  const std::optional<std::string> direct = CanonicalPath(file.string());
+  ASSERT_TRUE(direct.has_value());
+  EXPECT_EQ(direct->front(), '/');
+  EXPECT_EQ(CanonicalPath((folder.Path() / "sub" / "link.cti").string()), direct);
+  EXPECT_EQ(CanonicalPath(folder.Path().string() + "//sub/../target.cti"), direct);
+  EXPECT_NE(CanonicalPath((folder.Path() / "sub").string()), direct);
+}
+
+TEST(CanonicalPath, GivesNothingForMissingPaths) {
+  Testing::CTempDirectory folder;
+  EXPECT_FALSE(CanonicalPath((folder.Path() / "absent.cti").string()).has_value());
+  EXPECT_FALSE(CanonicalPath("").has_value());
 }
 
 } // namespace

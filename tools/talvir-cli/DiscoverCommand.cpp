@@ -1,6 +1,8 @@
 #include "DiscoverCommand.h"
 
 #include "DeviceTable.h"
+#include "DiagnosticLines.h"
+#include "DiscoveryReportPrinter.h"
 
 #include <talvir/Talvir.h>
 
@@ -30,6 +32,7 @@ std::optional<uint64_t> ParseMask(const std::string& text) {
 int RunDiscover(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& errors) {
   std::optional<uint64_t> mask;
   std::optional<std::string> producer;
+  bool verbose = false;
   for (size_t index = 0; index < arguments.size(); ++index) {
     const std::string& argument = arguments[index];
     const bool hasValue = index + 1 < arguments.size();
@@ -41,6 +44,8 @@ int RunDiscover(const std::vector<std::string>& arguments, std::ostream& out, st
       }
     } else if (argument == "--producer" && hasValue) {
       producer = arguments[++index];
+    } else if (argument == "--verbose") {
+      verbose = true;
     } else {
       errors << "talvir-cli: unexpected argument '" << argument << "'\n";
       return 2;
@@ -51,11 +56,15 @@ int RunDiscover(const std::vector<std::string>& arguments, std::ostream& out, st
     return 2;
   }
 
+  CDiagnosticLines failedCalls(verbose);
   TALVIR::Init();
   std::list<TALVIR::ICameraInfo*> records =
       mask ? TALVIR::DiscoveryByTLType(*mask) : TALVIR::Discovery(producer ? producer->c_str() : nullptr);
   PrintDeviceTable(out, records);
   out << records.size() << (records.size() == 1 ? " device\n" : " devices\n");
+  if (verbose) {
+    PrintDiscoveryReport(out, TALVIR::GetDiscoveryReport(), failedCalls.Lines());
+  }
   for (TALVIR::ICameraInfo* record : records) {
     record->Destroy();
   }

@@ -8,11 +8,13 @@
 namespace {
 
 void PrintUsage(std::ostream& out) {
-  out << "usage: talvir-cli discover [--type MASK] [--producer NAME]\n"
+  out << "usage: talvir-cli discover [--type MASK] [--producer NAME] [--verbose]\n"
          "  discover            list the devices of the producers (.cti files) beside the library\n"
          "  --type MASK         only producers of these transport-layer types: GEV 1, U3V 2, CL 4, CXP 8,\n"
          "                      IIDC 16, UVC 32, CLHS 64, Ethernet 128, PCI 256 (511: every producer)\n"
-         "  --producer NAME     only the producer file NAME\n";
+         "  --producer NAME     only the producer file NAME\n"
+         "  --verbose           also say why devices are missing: each producer, its interfaces, the rules applied\n"
+         "                      and every GenTL call that failed\n";
 }
 
 } // namespace

@@ -321,7 +321,9 @@ int64_t CIntRegNode::GetInt(bool, bool ignoreCache) {
     throw RUNTIME_EXCEPTION("Node '%s': an integer register of %" PRId64 " bytes is not supported", m_name.c_str(),
                             length);
   }
-  uint8_t bytes[8];
+  // Zeroed like every register buffer here: a port that reports more bytes than it wrote must not turn stack
+  // garbage into a value.
+  uint8_t bytes[8] = {};
   m_core.Read(*this, bytes, length, ignoreCache);
   unsigned shift = 0;
   unsigned width = 0;
@@ -342,7 +344,7 @@ void CIntRegNode::SetInt(int64_t value, bool verify) {
   unsigned shift = 0;
   unsigned width = 0;
   Field(length, shift, width);
-  uint8_t bytes[8];
+  uint8_t bytes[8] = {};
   uint64_t raw = static_cast<uint64_t>(value) & MaskOf(width);
   if (width < 8 * length) {
     m_core.Read(*this, bytes, length, false);
@@ -447,7 +449,7 @@ double CFloatRegNode::GetFloat(bool, bool ignoreCache) {
     throw RUNTIME_EXCEPTION("Node '%s': a float register of %" PRId64 " bytes is not supported", m_name.c_str(),
                             length);
   }
-  uint8_t bytes[8];
+  uint8_t bytes[8] = {};
   m_core.Read(*this, bytes, length, ignoreCache);
   const uint64_t raw = DecodeUnsigned(bytes, length, m_core.m_littleEndian);
   if (length == 4) {
@@ -478,7 +480,7 @@ void CFloatRegNode::SetFloat(double value, bool verify) {
   } else {
     std::memcpy(&raw, &value, 8);
   }
-  uint8_t bytes[8];
+  uint8_t bytes[8] = {};
   EncodeUnsigned(raw, bytes, length, m_core.m_littleEndian);
   m_core.Write(*this, bytes, length);
   ValueChanged();

@@ -186,6 +186,64 @@ private:
   std::set<std::string> m_known;
 };
 
+// The INFO_DATATYPE names a typed answer may use, with the size of a "value" of that type (0: "hex" only).
+struct STypedName {
+  const char* name;
+  int32_t type;
+  size_t valueSize;
+};
+constexpr STypedName kTypedNames[] = {
+    {"STRING", 1, 0}, {"STRINGLIST", 2, 0}, {"INT16", 3, 2}, {"UINT16", 4, 2}, {"INT32", 5, 4},
+    {"UINT32", 6, 4}, {"INT64", 7, 8},      {"UINT64", 8, 8}, {"FLOAT64", 9, 0}, {"PTR", 10, 8},
+    {"BOOL8", 11, 1}, {"SIZET", 12, 8},     {"BUFFER", 13, 0}, {"PTRDIFF", 14, 8},
+};
+
+// {"type": "PTR", "value": 123} answers the value's low bytes (little-endian) in the type's size;
+// {"type": "BUFFER", "hex": "00ff..."} answers exactly those bytes.
+SCustomInfo ReadTypedAnswer(const json& object, const std::string& path) {
+  CReader reader(object, path);
+  std::string typeName;
+  reader.String("type", typeName);
+  const STypedName* found = nullptr;
+  for (const STypedName& candidate : kTypedNames) {
+    if (typeName == candidate.name) {
+      found = &candidate;
+    }
+  }
+  if (found == nullptr) {
+    throw std::runtime_error(reader.Path("type") + ": expected an INFO_DATATYPE name such as \"PTR\" or \"BUFFER\"");
+  }
+  SCustomInfo answer;
+  answer.typed = true;
+  answer.type = found->type;
+  const json* value = reader.Find("value");
+  const json* hex = reader.Find("hex");
+  if ((value == nullptr) == (hex == nullptr)) {
+    throw std::runtime_error(path + ": give either \"value\" or \"hex\"");
+  }
+  if (value != nullptr) {
+    if (!value->is_number_unsigned() || found->valueSize == 0) {
+      throw std::runtime_error(reader.Path("value") + ": expected a non-negative integer for a numeric type");
+    }
+    const uint64_t number = value->get<uint64_t>();
+    for (size_t index = 0; index < found->valueSize; ++index) {
+      answer.bytes.push_back(static_cast<uint8_t>(number >> (8 * index)));
+    }
+  } else {
+    const std::string digits = hex->is_string() ? hex->get<std::string>() : std::string("?");
+    if (digits.size() % 2 != 0 || !std::all_of(digits.begin(), digits.end(), [](unsigned char c) {
+          return std::isxdigit(c) != 0;
+        })) {
+      throw std::runtime_error(reader.Path("hex") + ": expected an even number of hexadecimal digits");
+    }
+    for (size_t index = 0; index < digits.size(); index += 2) {
+      answer.bytes.push_back(static_cast<uint8_t>(std::stoul(digits.substr(index, 2), nullptr, 16)));
+    }
+  }
+  reader.RejectUnknown();
+  return answer;
+}
+
 uint32_t ParsePixelFormat(const json& value, const std::string& path) {
   if (value.is_string()) {
     const SPixelFormat* format = FindPixelFormat(value.get<std::string>());
@@ -305,8 +363,11 @@ void ReadDevice(const json& object, const std::string& path, SDeviceConfig& devi
         device.customInfo[command] = {false, 0, it->get<std::string>()};
       } else if (it->is_number_unsigned()) {
         device.customInfo[command] = {true, it->get<uint64_t>(), ""};
+      } else if (it->is_object()) {
+        device.customInfo[command] = ReadTypedAnswer(*it, custom.Path(it.key()));
       } else {
-        throw std::runtime_error(custom.Path(it.key()) + ": expected a string or a non-negative integer");
+        throw std::runtime_error(custom.Path(it.key()) +
+                                 ": expected a string, a non-negative integer or {\"type\", \"value\" or \"hex\"}");
       }
     }
   }

@@ -26,9 +26,17 @@ struct SFaultConfig {
 };
 
 struct SCustomInfo {
+  SCustomInfo() = default;
+  SCustomInfo(bool isNumeric, uint64_t value, std::string answerText)
+      : numeric(isNumeric), number(value), text(std::move(answerText)) {}
+
   bool numeric = false;
   uint64_t number = 0;
   std::string text;
+  // An answer of any INFO_DATATYPE with exactly these bytes ({"type": ..., "value" or "hex": ...}).
+  bool typed = false;
+  int32_t type = 0;
+  std::vector<uint8_t> bytes;
 };
 
 struct SDeviceConfig {

@@ -321,6 +321,12 @@ void CameraInfo(CSimCamera& camera, GenTL::DEVICE_INFO_CMD command, const SInfoO
   default:
     break;
   }
+  // A configured answer replaces the flavour's own, so that a test can make this producer mean something else by
+  // a producer-specific command, as other makers' producers do.
+  auto custom = config.customInfo.find(command);
+  if (custom != config.customInfo.end() && custom->second.typed) {
+    return PutBytes(out, custom->second.type, custom->second.bytes.data(), custom->second.bytes.size());
+  }
   if (command == 1001 && Lib().Config().flavour == EFlavour::GEV) {
     if (config.faults.failDeviceRecord) {
       Fail(GenTL::GC_ERR_IO, "the device record cannot be read (failDeviceRecord)");
@@ -328,7 +334,6 @@ void CameraInfo(CSimCamera& camera, GenTL::DEVICE_INFO_CMD command, const SInfoO
     const std::vector<uint8_t> record = GevDeviceRecord(config);
     return PutBytes(out, GenTL::INFO_DATATYPE_BUFFER, record.data(), record.size());
   }
-  auto custom = config.customInfo.find(command);
   if (custom != config.customInfo.end()) {
     if (custom->second.numeric) {
       return PutU64(out, custom->second.number);

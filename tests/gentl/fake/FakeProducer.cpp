@@ -76,7 +76,16 @@ extern "C" {
 
 #ifndef FAKE_WITHOUT_INFO
 GC_API_EXPORT GC_ERROR GC_CALLTYPE GCGetInfo(TL_INFO_CMD, INFO_DATATYPE*, void*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
-GC_API_EXPORT GC_ERROR GC_CALLTYPE GCGetLastError(GC_ERROR*, char*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
+GC_API_EXPORT GC_ERROR GC_CALLTYPE GCGetLastError(GC_ERROR* piErrorCode, char* sErrorText, size_t* piSize) {
+  std::lock_guard<std::recursive_mutex> lock(State().mutex);
+  if (State().lastErrorText.empty()) {
+    return GC_ERR_NOT_IMPLEMENTED;
+  }
+  if (piErrorCode != nullptr) {
+    *piErrorCode = State().lastErrorCode;
+  }
+  return CopyText(State().lastErrorText, sErrorText, piSize);
+}
 #endif
 
 GC_API_EXPORT GC_ERROR GC_CALLTYPE GCInitLib(void) {
@@ -106,7 +115,11 @@ GC_API_EXPORT GC_ERROR GC_CALLTYPE GCReadPort(PORT_HANDLE hPort, uint64_t iAddre
   if (iAddress < port.address || iAddress + *piSize > port.address + port.memory.size()) {
     return GC_ERR_INVALID_ADDRESS;
   }
-  std::memcpy(pBuffer, port.memory.data() + (iAddress - port.address), *piSize);
+  // Misbehaving producers: fewer bytes than asked, or every byte claimed and the tail left unwritten.
+  const size_t reported = *piSize - std::min(*piSize, port.shortReadBy);
+  const size_t written = reported - std::min(reported, port.unwrittenTail);
+  std::memcpy(pBuffer, port.memory.data() + (iAddress - port.address), written);
+  *piSize = reported;
   Log("GCReadPort");
   return GC_ERR_SUCCESS;
 }
@@ -329,6 +342,18 @@ GC_API_EXPORT GC_ERROR GC_CALLTYPE IFGetDeviceInfo(IF_HANDLE hIface, const char*
       static_cast<char*>(pBuffer)[text->second.size()] = '\0';
     }
     *piSize = text->second.size() + 1;
+    return GC_ERR_SUCCESS;
+  }
+  const auto typed = device->typedInfo.find(iInfoCmd);
+  if (typed != device->typedInfo.end()) {
+    if (piSize == nullptr || pBuffer == nullptr || *piSize < typed->second.bytes.size()) {
+      return GC_ERR_BUFFER_TOO_SMALL;
+    }
+    std::memcpy(pBuffer, typed->second.bytes.data(), typed->second.bytes.size());
+    *piSize = typed->second.bytes.size();
+    if (piType != nullptr) {
+      *piType = typed->second.type;
+    }
     return GC_ERR_SUCCESS;
   }
   const auto number = device->numberInfo.find(iInfoCmd);

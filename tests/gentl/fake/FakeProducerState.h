@@ -22,6 +22,12 @@ enum class EFakeFailure {
   OpenInterface,
 };
 
+// An information answer of a given INFO_DATATYPE with exactly these bytes.
+struct CFakeAnswer {
+  int32_t type = 0;
+  std::string bytes;
+};
+
 struct CFakeDevice {
   std::string id;
   std::string vendor = "FakeVendor";
@@ -36,6 +42,8 @@ struct CFakeDevice {
   // Producer-specific commands answered with text or with an 8-byte number.
   std::map<int32_t, std::string> textInfo;
   std::map<int32_t, uint64_t> numberInfo;
+  // Producer-specific commands answered with a type and bytes of the test's choosing.
+  std::map<int32_t, CFakeAnswer> typedInfo;
   // Commands that fail for this device even though they have a value.
   std::vector<int32_t> failingCommands;
   // Claims an ID size of this many bytes (0: the true size).
@@ -59,6 +67,10 @@ struct CFakePort {
   bool failURL = false;
   // Reads touching this address fail.
   std::vector<uint64_t> failingAddresses;
+  // Reads report and write this many bytes fewer than asked (a short read).
+  size_t shortReadBy = 0;
+  // Reads report every byte asked but leave this many at the end unwritten.
+  size_t unwrittenTail = 0;
 };
 
 struct CFakeProducerState {
@@ -73,6 +85,9 @@ struct CFakeProducerState {
   int updateDelayMs = 0;
   // Bytes written through GCWritePort: address -> bytes.
   std::map<uint64_t, std::string> writes;
+  // What GCGetLastError answers; empty: GC_ERR_NOT_IMPLEMENTED.
+  std::string lastErrorText;
+  int32_t lastErrorCode = 0;
 
   // Back to an empty producer that opens without failure and has no interface.
   void Reset() {
@@ -83,6 +98,8 @@ struct CFakeProducerState {
     calls.clear();
     updateDelayMs = 0;
     writes.clear();
+    lastErrorText.clear();
+    lastErrorCode = 0;
   }
 
   size_t CountCalls(const std::string& call) {

@@ -75,6 +75,29 @@ TEST(SimConfig, KeysOverrideTheDefaults) {
   EXPECT_EQ(config.interfaces[0].enumerationDelayMs, 5u);
 }
 
+TEST(SimConfig, TypedAnswersCarryTheirTypeAndExactBytes) {
+  const SConfig config = ParseConfig(
+      R"({"interfaces":[{"devices":[{"customInfo":{"1001":{"type":"PTR","value":4660},
+                                                   "1002":{"type":"BUFFER","hex":"00ff10"}}}]}]})",
+      EFlavour::GEV, "/x/TalvirSimGEVTL.cti");
+  const SDeviceConfig& device = config.interfaces.at(0).devices.at(0);
+  const SCustomInfo& pointer = device.customInfo.at(1001);
+  EXPECT_TRUE(pointer.typed);
+  EXPECT_EQ(pointer.type, 10);
+  EXPECT_EQ(pointer.bytes, (std::vector<uint8_t>{0x34, 0x12, 0, 0, 0, 0, 0, 0}));
+  const SCustomInfo& buffer = device.customInfo.at(1002);
+  EXPECT_EQ(buffer.type, 13);
+  EXPECT_EQ(buffer.bytes, (std::vector<uint8_t>{0x00, 0xFF, 0x10}));
+  EXPECT_NE(ErrorOf(R"({"interfaces":[{"devices":[{"customInfo":{"1001":{"type":"POINTER","value":1}}}]}]})")
+                .find("INFO_DATATYPE"),
+            std::string::npos);
+  EXPECT_NE(ErrorOf(R"({"interfaces":[{"devices":[{"customInfo":{"1001":{"type":"BUFFER","hex":"abc"}}}]}]})")
+                .find("customInfo.1001.hex"),
+            std::string::npos);
+  EXPECT_NE(ErrorOf(R"({"interfaces":[{"devices":[{"customInfo":{"1001":{"type":"PTR"}}}]}]})").find("either"),
+            std::string::npos);
+}
+
 TEST(SimConfig, BadFilesAreRejectedWithTheOffendingKey) {
   EXPECT_NE(ErrorOf("[1,2").find("not valid JSON"), std::string::npos);
   EXPECT_NE(ErrorOf(R"({"vendr":"x"})").find("config.vendr: unknown key"), std::string::npos);
