@@ -1,0 +1,18 @@
+#pragma once
+// Reading the process environment.
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace GenICam {
+namespace Platform {
+
+// The value of an environment variable, or nothing when it is not set.
+std::optional<std::string> EnvironmentVariable(const std::string& name);
+
+// The non-empty entries of a folder list held in an environment variable (entries separated by the platform's
+// list separator, ':' here; ';' is accepted as well so that one setting can serve both platforms). Empty when unset.
+std::vector<std::string> EnvironmentPathList(const std::string& name);
+
+} // namespace Platform
+} // namespace GenICam
