@@ -23,6 +23,12 @@ CConnection::CConnection(std::shared_ptr<CSerialLibrary> library, uint32_t index
 
 CConnection::~CConnection() {
   if (m_driver && m_cookie != nullptr) {
+    // Leave the camera at the rate every link starts with, so that the next probe finds it.
+    uint32_t rate = CL_BAUDRATE_9600;
+    if (m_driver->GetParam(&m_serial, m_cookie, CLP_PARAM_BAUDRATE, rate) == CL_ERR_NO_ERR &&
+        rate != CL_BAUDRATE_9600) {
+      m_driver->SetParam(&m_serial, m_cookie, CLP_PARAM_BAUDRATE, CL_BAUDRATE_9600);
+    }
     m_driver->Disconnect(m_cookie);
   }
   m_library->SerialClose(m_reference);

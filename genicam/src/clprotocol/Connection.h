@@ -15,7 +15,7 @@ class CConnection {
 public:
   // Opens the port; raises a GenICam exception naming the port and the status when it cannot.
   CConnection(std::shared_ptr<CSerialLibrary> library, uint32_t index, const std::string& portId);
-  // Ends the driver connection (when there is one) and closes the port.
+  // Switches the link back to 9600 baud, ends the driver connection (when there is one) and closes the port.
   ~CConnection();
   CConnection(const CConnection&) = delete;
   CConnection& operator=(const CConnection&) = delete;

@@ -13,6 +13,14 @@ std::optional<std::string> EnvironmentVariable(const std::string& name) {
   return std::string(value);
 }
 
+void SetEnvironmentVariable(const std::string& name, const std::string& value) {
+  if (value.empty()) {
+    unsetenv(name.c_str());
+  } else {
+    setenv(name.c_str(), value.c_str(), 1);
+  }
+}
+
 std::vector<std::string> EnvironmentPathList(const std::string& name) {
   std::vector<std::string> entries;
   const std::optional<std::string> value = EnvironmentVariable(name);
