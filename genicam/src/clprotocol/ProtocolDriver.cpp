@@ -115,6 +115,10 @@ int32_t CProtocolDriver::GetXMLDescription(const CLPSerial* serial, CLPCookie co
   if (status != CL_ERR_NO_ERR && status != CL_ERR_BUFFER_TOO_SMALL) {
     return status;
   }
+  if (status == CL_ERR_NO_ERR && size == 0) {
+    bytes.clear(); // an empty file
+    return CL_ERR_NO_ERR;
+  }
   bytes.assign(size, '\0');
   status = m_getXMLDescription(serial, cookie, id.c_str(), size > 0 ? &bytes[0] : nullptr, &size);
   if (status == CL_ERR_NO_ERR) {

@@ -7,7 +7,6 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -20,7 +19,9 @@ std::vector<std::string> SeedsOf(const std::string& folder) {
   std::vector<std::string> seeds;
   for (const auto& entry : std::filesystem::directory_iterator(std::string(TALVIR_CLP_SEEDS) + "/" + folder)) {
     std::ifstream file(entry.path(), std::ios::binary);
-    seeds.emplace_back(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+    std::string seed(static_cast<size_t>(std::filesystem::file_size(entry.path())), '\0');
+    file.read(&seed[0], static_cast<std::streamsize>(seed.size()));
+    seeds.push_back(seed);
   }
   return seeds;
 }

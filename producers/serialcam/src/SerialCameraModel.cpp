@@ -51,6 +51,10 @@ CSerialCameraModel::CSerialCameraModel(const SCameraConfig& config)
     : m_config(config), m_low(kLowSize, 0), m_features(Address::kFeatureEnd - Address::kWidth, 0) {
   m_plain = config.description.empty() ? BuiltInDescription() : config.description;
   m_zipped = TalvirSim::ZipOneFile("SerialCamera.xml", m_plain);
+  if (config.emptyDescription) {
+    m_plain.clear();
+    m_zipped.clear();
+  }
   PutBE(m_low, Boot::kGenCPVersion, 0x00010003, 4);
   PutString(m_low, Boot::kManufacturerName, config.manufacturer);
   PutString(m_low, Boot::kModelName, config.model);

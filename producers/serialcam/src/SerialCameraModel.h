@@ -27,6 +27,8 @@ struct SCameraConfig {
   uint32_t pendingTimeoutMs = 200;
   // The description file served (empty: the built-in one).
   std::string description;
+  // Serve description files of zero bytes (a camera whose description is missing).
+  bool emptyDescription = false;
 };
 
 // Fixed addresses of the simulated camera.

@@ -145,11 +145,13 @@ CLP_EXPORT int32_t clpGetXMLDescription(const CLPSerial* serial, CLPCookie cooki
     return status;
   }
   const uint32_t needed = static_cast<uint32_t>(bytes.size());
-  if (buffer == nullptr || *size < needed) {
+  if ((buffer == nullptr && needed > 0) || *size < needed) {
     *size = needed;
     return CL_ERR_BUFFER_TOO_SMALL;
   }
-  std::memcpy(buffer, bytes.data(), bytes.size());
+  if (needed > 0) {
+    std::memcpy(buffer, bytes.data(), bytes.size());
+  }
   *size = needed;
   return CL_ERR_NO_ERR;
 }
