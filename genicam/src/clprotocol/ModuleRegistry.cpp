@@ -17,8 +17,10 @@ std::string WithoutTrailingSeparator(std::string folder) {
 } // namespace
 
 CModuleRegistry& CModuleRegistry::Instance() {
-  static CModuleRegistry registry;
-  return registry;
+  // Never destroyed: modules stay loaded until the process ends, so that no serial library or driver is unloaded
+  // while exit handlers (its own static objects, thread-local data, the sanitizers' leak scan) may still reach it.
+  static CModuleRegistry* const registry = new CModuleRegistry();
+  return *registry;
 }
 
 std::vector<std::string> CModuleRegistry::SerialLibraryFolders() {

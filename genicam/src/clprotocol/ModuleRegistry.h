@@ -1,5 +1,5 @@
 #pragma once
-// The serial libraries and protocol drivers of the process, each loaded at most once and kept until exit.
+// The serial libraries and protocol drivers of the process, each loaded at most once and never unloaded.
 //
 // Serial libraries are the files clser*.so in each folder listed in GENICAM_CLSERIAL, then in the folder of this
 // library's own file. Drivers are the *.so files in <root>/Linux64_x64 for each root listed in GENICAM_CLPROTOCOL,

@@ -17,7 +17,7 @@ void* FindSymbol(ModuleHandle module, const char* symbolName);
 // Releases a module loaded by LoadModule. A null handle is ignored.
 void FreeModule(ModuleHandle module);
 
-// The loader's text for the last failure on this thread (empty when there is none).
+// The loader's text for the last load in the process that failed (empty after a load that succeeded).
 std::string LastModuleError();
 
 // Owns one loaded module and frees it on destruction.

@@ -2,26 +2,36 @@
 
 #include <dlfcn.h>
 
+#include <mutex>
+
 namespace GenICam {
 namespace Platform {
 namespace {
 
-thread_local std::string t_lastError;
+// Process-wide rather than per thread: this code is also linked into modules loaded at run time, where
+// thread-local data is dynamic TLS, which the sanitizers' leak scan mishandles.
+std::mutex g_errorLock;
+std::string g_lastError;
+
+void SetLastError(const std::string& text) {
+  const std::lock_guard<std::mutex> guard(g_errorLock);
+  g_lastError = text;
+}
 
 } // namespace
 
 ModuleHandle LoadModule(const std::string& path) {
   if (path.empty()) {
-    t_lastError = "empty module path";
+    SetLastError("empty module path");
     return nullptr;
   }
   // RTLD_LOCAL keeps the modules apart: every serial library and every protocol driver exports the same C names.
   ModuleHandle handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (handle == nullptr) {
     const char* text = dlerror();
-    t_lastError = text != nullptr ? text : "dlopen failed";
+    SetLastError(text != nullptr ? text : "dlopen failed");
   } else {
-    t_lastError.clear();
+    SetLastError(std::string());
   }
   return handle;
 }
@@ -40,7 +50,8 @@ void FreeModule(ModuleHandle module) {
 }
 
 std::string LastModuleError() {
-  return t_lastError;
+  const std::lock_guard<std::mutex> guard(g_errorLock);
+  return g_lastError;
 }
 
 } // namespace Platform

@@ -66,9 +66,13 @@ TEST_F(SerialLinkTest, ProbeRefusesAnotherDriversTemplate) {
   }
 }
 
-TEST_F(SerialLinkTest, ProbeOfAPortWithoutCameraTimesOut) {
+TEST_F(SerialLinkTest, ProbeOfAPortWithoutCameraCostsOneTimeout) {
   m_camera->SetFault(EFault::NoAnswer);
   EXPECT_THROW(CCLPort::ProbeDevice(PortId(), DriverTemplate(), 50), GenICam::TimeoutException);
+  // The first probe command is not resent, so a silent port holds discovery up for one time-out only.
+  ASSERT_TRUE(m_camera->WaitForCommands(1, 5000));
+  EXPECT_EQ(m_camera->Statistics().commands, 1u);
+  EXPECT_EQ(m_camera->Statistics().resends, 0u);
 }
 
 TEST_F(SerialLinkTest, UnknownPortAndDriverAreClearErrors) {

@@ -1,39 +1,16 @@
 #pragma once
-// Serves the simulated serial camera on a pseudo-terminal, in a thread of its own: GenCP over serial with resends,
-// pending acknowledges for slow writes, baud-rate switching with the confirmation window, stacked commands, and
-// faults on demand. Bytes sent at a rate other than the camera's current one are treated as garbled and dropped.
-#include <chrono>
+// Serves the simulated serial camera on a pseudo-terminal, in a thread of its own (the protocol is
+// CSerialCameraEngine's; the host's baud rate is read from the terminal's settings).
 #include <condition_variable>
 #include <cstdint>
 #include <mutex>
 #include <string>
 #include <thread>
-#include <vector>
 
-#include "GenCPPacket.h"
-#include "SerialCameraModel.h"
+#include "SerialCameraEngine.h"
 #include "platform/PseudoTerminal.h"
 
 namespace TalvirSerialCam {
-
-enum class EFault {
-  None,
-  NoAnswer,         // commands are not answered
-  CorruptChecksum,  // answers carry a wrong header checksum
-  WrongRequestId,   // answers carry another request id
-  Truncated,        // only the first half of each answer is sent
-  IgnoreBaudConfirm // the confirming write of a baud-rate switch is lost, so the camera falls back
-};
-
-struct SServerStatistics {
-  unsigned commands = 0;        // commands received intact
-  unsigned stackedCommands = 0; // of which stacked reads or writes
-  unsigned resends = 0;         // commands received with the resend flag
-  unsigned pendingAcks = 0;     // pending acknowledges sent
-  unsigned badPackets = 0;      // packets dropped for a bad checksum or length
-  unsigned garbled = 0;         // byte batches dropped because they came at another baud rate
-  uint32_t rateBit = 1;         // the camera's current baud-rate bit
-};
 
 class CSerialCameraServer {
 public:
@@ -62,46 +39,18 @@ public:
   uint32_t Register32(uint64_t address) const;
 
 private:
-  using Clock = std::chrono::steady_clock;
-
   void Run();
-  void TakeBytes(const std::string& bytes);
-  void HandleCommand(const CLProtocol::GenCP::SPacket& command);
-  void HandleWrite(const CLProtocol::GenCP::SPacket& command, uint64_t address, const uint8_t* data, size_t length);
-  void HandleStacked(const CLProtocol::GenCP::SPacket& command);
-  void Acknowledge(const CLProtocol::GenCP::SPacket& command, uint16_t status, std::vector<uint8_t> scd);
-  void Send(std::vector<uint8_t> bytes);
-  void SendPending();
-  void RunTimers(Clock::time_point now);
-  uint32_t NextWaitMs(Clock::time_point now) const;
-  bool ConsumeFault(EFault fault);
+  void Flush();
 
   mutable std::mutex m_lock;
   std::condition_variable m_changed;
-  CSerialCameraModel m_model;
+  CSerialCameraEngine m_engine;
   GenICam::Platform::CPseudoTerminal m_pty;
   std::thread m_thread;
   bool m_started = false;
   bool m_stop = false;
   bool m_pullRequested = false;
   bool m_pulled = false;
-  std::string m_received;
-  EFault m_fault = EFault::None;
-  int m_faultCount = 0;
-  SServerStatistics m_statistics;
-  // The last acknowledge, sent again when its command is resent.
-  bool m_hasLastAck = false;
-  uint16_t m_lastRequestId = 0;
-  std::vector<uint8_t> m_lastAck;
-  // Baud-rate switch awaiting its confirmation.
-  bool m_confirmPending = false;
-  uint32_t m_fallbackRate = 1;
-  Clock::time_point m_confirmDeadline;
-  // Slow write in progress.
-  bool m_busy = false;
-  CLProtocol::GenCP::SPacket m_busyCommand;
-  Clock::time_point m_busyUntil;
-  Clock::time_point m_nextPending;
 };
 
 } // namespace TalvirSerialCam

@@ -19,8 +19,20 @@ namespace {
 
 std::mutex g_sessionsLock;
 std::map<CLPCookie, std::unique_ptr<CGenCPSession>> g_sessions;
-// The reason of the last failed probe without a cookie, for clpGetErrorText with a null cookie.
-thread_local std::string t_lastProbeError;
+// The reason of the last failed probe, for clpGetErrorText with a null cookie. Process-wide rather than per thread:
+// thread-local data in a module loaded at run time is dynamic TLS, which the sanitizers' leak scan mishandles.
+std::mutex g_probeErrorLock;
+std::string g_lastProbeError;
+
+void SetLastProbeError(const std::string& text) {
+  const std::lock_guard<std::mutex> guard(g_probeErrorLock);
+  g_lastProbeError = text;
+}
+
+std::string LastProbeError() {
+  const std::lock_guard<std::mutex> guard(g_probeErrorLock);
+  return g_lastProbeError;
+}
 
 CGenCPSession* SessionOf(CLPCookie cookie) {
   const std::lock_guard<std::mutex> guard(g_sessionsLock);
@@ -81,10 +93,10 @@ CLP_EXPORT int32_t clpProbeDevice(const CLPSerial* serial, const char* deviceId,
   std::string text;
   const int32_t status = session->Probe(*serial, deviceId, GenICam::Platform::OwnModulePath(), timeoutMs, text);
   if (status != CL_ERR_NO_ERR) {
-    t_lastProbeError = session->LastError();
+    SetLastProbeError(session->LastError());
     return status;
   }
-  t_lastProbeError.clear();
+  SetLastProbeError(std::string());
   const int32_t copied = CopyText(text, answer, size);
   if (copied != CL_ERR_NO_ERR) {
     return copied;
@@ -106,7 +118,7 @@ CLP_EXPORT int32_t clpDisconnect(CLPCookie cookie) {
 CLP_EXPORT int32_t clpGetErrorText(CLPCookie cookie, int32_t status, char* text, uint32_t* size) {
   std::string detail;
   if (cookie == nullptr) {
-    detail = t_lastProbeError;
+    detail = LastProbeError();
   } else if (CGenCPSession* session = SessionOf(cookie)) {
     detail = session->LastError();
   }

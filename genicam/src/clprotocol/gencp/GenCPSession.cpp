@@ -118,7 +118,10 @@ int32_t CGenCPSession::Probe(const CLPSerial& serial, const std::string& shortId
   m_baudRate = CL_BAUDRATE_9600;
   const uint32_t timeout = Timeout(timeoutMs);
   uint8_t word[8];
+  // The first read is sent once: a port without a camera then costs one time-out, not four.
+  m_link.SetResendLimit(0);
   int32_t status = m_link.ReadMem(serial, Bootstrap::kGenCPVersion, word, 4, timeout);
+  m_link.SetResendLimit(CGenCPLink::kMaxResends);
   if (status != CL_ERR_NO_ERR) {
     return status;
   }
