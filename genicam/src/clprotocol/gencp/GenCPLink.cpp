@@ -188,12 +188,12 @@ int32_t CGenCPLink::Transact(const CLPSerial& serial, uint16_t commandId, const 
   if (status == CL_ERR_TIMEOUT) {
     char text[160];
     if (sawBytes) {
-      std::snprintf(text, sizeof text, "no valid answer after %d attempts: %s", m_resendLimit + 1,
+      std::snprintf(text, sizeof text, "no valid answer after %d attempt(s): %s", m_resendLimit + 1,
                     m_lastError.empty() ? "unusable bytes" : m_lastError.c_str());
       m_lastError = text;
       return CL_ERR_GET_LAST_ERROR;
     }
-    std::snprintf(text, sizeof text, "no answer within %u ms after %d attempts", timeoutMs, m_resendLimit + 1);
+    std::snprintf(text, sizeof text, "no answer within %u ms after %d attempt(s)", timeoutMs, m_resendLimit + 1);
     m_lastError = text;
   }
   return status;
