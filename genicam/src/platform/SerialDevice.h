@@ -24,6 +24,8 @@ public:
   // Opens the device raw at 9600 baud, 8 data bits, no parity, one stop bit, no flow control. On failure returns
   // false and says why in `error`.
   bool Open(const std::string& path, std::string& error);
+  // After a failed Open: whether the device does not exist (rather than being busy or refused).
+  bool OpenFailedForMissingDevice() const { return m_missing; }
   void Close();
   bool IsOpen() const { return m_fd >= 0; }
 
@@ -45,6 +47,7 @@ public:
 
 private:
   int m_fd = -1;
+  bool m_missing = false;
   std::string m_pending;
 };
 

@@ -60,7 +60,9 @@ CSerialDevice::~CSerialDevice() {
 bool CSerialDevice::Open(const std::string& path, std::string& error) {
   Close();
   const int fd = ::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+  m_missing = false;
   if (fd < 0) {
+    m_missing = errno == ENOENT || errno == ENODEV || errno == ENXIO;
     error = path + ": " + std::strerror(errno);
     return false;
   }

@@ -52,7 +52,8 @@ int32_t CPcSerialPorts::Open(uint32_t index, SOpenPort*& port, std::string& erro
   auto opened = std::make_unique<SOpenPort>();
   opened->path = path;
   if (!opened->device.Open(path, error)) {
-    return CL_ERR_PORT_IN_USE;
+    // A port that went away since it was listed, or one that is busy or refused to us.
+    return opened->device.OpenFailedForMissingDevice() ? CL_ERR_ERROR_NOT_FOUND : CL_ERR_PORT_IN_USE;
   }
   port = opened.get();
   m_open.insert(std::move(opened));
