@@ -7,6 +7,7 @@ find_package(nlohmann_json 3 REQUIRED)
 find_package(PNG REQUIRED)
 pkg_check_modules(MINIZIP REQUIRED IMPORTED_TARGET minizip)
 pkg_check_modules(INIH REQUIRED IMPORTED_TARGET inih)
+pkg_check_modules(SERIALPORT REQUIRED IMPORTED_TARGET libserialport)
 
 if(TALVIR_BUILD_TESTS)
   find_package(GTest REQUIRED)

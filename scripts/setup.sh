@@ -11,6 +11,8 @@ packages=(
   cmake ninja-build g++ pkg-config git
   # library
   libpugixml-dev libminizip-dev zlib1g-dev nlohmann-json3-dev libpng-dev libinih-dev
+  # serial port listing for the PC's serial library
+  libserialport-dev
   # tests and benchmarks
   libgtest-dev libgmock-dev libbenchmark-dev
   # node-map oracle for the differential tests (its pkg-config file needs libusb's)

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <cctype>
+#include <filesystem>
 #include <set>
 
 namespace TALVIR {
@@ -195,9 +196,12 @@ TEST_F(SimProducersTest, CameraLinkGrabbersCarryOurProtocolDriver) {
   ASSERT_FALSE(records.empty());
   for (ICameraInfo* record : records) {
     ASSERT_NE(record->GetCustomInfo(CustomInfo::CLProtocolDescriptor), nullptr);
-    // The tests run from build/bin, where no driver folder exists: the parent folder is named.
+    // The tests run from build/bin, which holds the driver folder once our driver is built: the folder beside the
+    // library is named then, else the one in its parent folder.
+    const bool driverBeside = std::filesystem::exists("./CLProtocol/Linux64_x64/libTavCLProtocolGenCP.so");
     EXPECT_EQ(std::string(record->GetCustomInfo(CustomInfo::CLProtocolDescriptor)),
-              m_library.Directory() + "../CLProtocol/Linux64_x64#libTavCLProtocolGenCP.so#KORIX#GENCP02");
+              m_library.Directory() + (driverBeside ? "./" : "../") +
+                  "CLProtocol/Linux64_x64#libTavCLProtocolGenCP.so#KORIX#GENCP02");
     ASSERT_NE(record->GetCustomInfo(CustomInfo::CLGrabberSerialPort), nullptr);
     EXPECT_EQ(std::string(record->GetCustomInfo(CustomInfo::CLGrabberSerialPort)).rfind("KORIX#CL_GRABBER#SERIAL", 0),
               0u);

@@ -1,0 +1,22 @@
+#pragma once
+// Reading the process environment.
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace GenICam {
+namespace Platform {
+
+// The value of an environment variable, or nothing when it is not set.
+std::optional<std::string> EnvironmentVariable(const std::string& name);
+
+// Sets (or, with an empty value, removes) an environment variable of this process. Only for set-up before other
+// threads read the environment (tests, tools).
+void SetEnvironmentVariable(const std::string& name, const std::string& value);
+
+// The non-empty entries of a folder list held in an environment variable (entries separated by the platform's
+// list separator, ':' here; ';' is accepted as well so that one setting can serve both platforms). Empty when unset.
+std::vector<std::string> EnvironmentPathList(const std::string& name);
+
+} // namespace Platform
+} // namespace GenICam
