@@ -24,9 +24,10 @@ std::string BaseName(const std::string& path) {
 
 } // namespace
 
-CCtiManager::CCtiManager(std::string directory) : m_directory(std::move(directory)) {
+CCtiManager::CCtiManager(std::string directory, const std::string& helperName, const std::string& u3vProducerName)
+    : m_directory(std::move(directory)) {
   m_loadedProducers.max_load_factor(1.0f);
-  m_registry = std::make_unique<CCameraRegistry>();
+  m_registry = std::make_unique<CCameraRegistry>(helperName, u3vProducerName);
   std::optional<CDiscoveryConfig> config = ReadDiscoveryConfig(ConfigurationPath());
   if (config) {
     m_config = std::move(*config);

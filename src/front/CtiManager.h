@@ -34,7 +34,9 @@ class CCtiManager {
 public:
   // Producers and the configuration file are looked for in `directory` (ending with a separator): the library's
   // own folder in the library.
-  explicit CCtiManager(std::string directory);
+  // `helperName` and `u3vProducerName`: the modules the camera registry links to (tests name others).
+  explicit CCtiManager(std::string directory, const std::string& helperName = "VendraLib.dll",
+                       const std::string& u3vProducerName = "U3VTLTAV.cti");
   ~CCtiManager();
   CCtiManager(const CCtiManager&) = delete;
   CCtiManager& operator=(const CCtiManager&) = delete;

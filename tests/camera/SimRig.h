@@ -37,14 +37,15 @@ class CSimRig {
 public:
   // `producer`: a simulated producer file of the build folder; `config`: the simulator's JSON configuration (empty:
   // its defaults).
-  explicit CSimRig(const std::string& producer = "TalvirSim.cti", const std::string& config = "") {
+  explicit CSimRig(const std::string& producer = "TalvirSim.cti", const std::string& config = "",
+                   const std::string& helperName = kHelperLibraryName) {
     if (!config.empty()) {
       const auto file = m_folder.WriteFile("sim.json", config);
       setenv("TALVIR_SIM_CONFIG", file.string().c_str(), 1);
     } else {
       unsetenv("TALVIR_SIM_CONFIG");
     }
-    m_manager = std::make_unique<CCtiManager>(std::string(TALVIR_BIN_DIR) + "/");
+    m_manager = std::make_unique<CCtiManager>(std::string(TALVIR_BIN_DIR) + "/", helperName);
     m_producer = m_manager->GetOrLoadProducer(producer);
     if (m_producer == nullptr) {
       throw std::runtime_error("cannot load " + producer);
@@ -52,10 +53,10 @@ public:
     m_producer->Discover(&m_records);
   }
   ~CSimRig() {
+    m_manager.reset();
     for (ICameraInfo* record : m_records) {
       record->Destroy();
     }
-    m_manager.reset();
     unsetenv("TALVIR_SIM_CONFIG");
   }
   CSimRig(const CSimRig&) = delete;
@@ -72,6 +73,8 @@ public:
     return dynamic_cast<CCamera*>(m_manager->Registry()->CreateCamera(Record(index)));
   }
   CCameraRegistry& Registry() { return *m_manager->Registry(); }
+  // Ends the library's side (as UnInit does): cameras still alive are released.
+  void CloseManager() { m_manager.reset(); }
   CCti& Producer() { return *m_producer; }
 
   static SStreamCounts Counts(CCamera& camera) {
