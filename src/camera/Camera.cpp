@@ -71,6 +71,14 @@ CCamera::~CCamera() {
 }
 
 void CCamera::Release() {
+  // Out of the registry before destruction starts, so that a device-lost report on another thread never finds a
+  // camera that is half destroyed.
+  if (m_pRegistry != nullptr) {
+    m_pRegistry->RemoveCamera(this);
+  }
+  // Stopped and closed while the object is still whole: the grab thread and the listeners call the transport
+  // camera's own operations, which are gone once its destructor has run.
+  Close();
   delete this;
 }
 

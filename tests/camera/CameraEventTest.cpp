@@ -144,6 +144,8 @@ TEST(CameraEvent, EventsOfTheDeviceModule) {
   CSimRig::Execute(*camera, "SimFireEvent");
   ASSERT_TRUE(collector.WaitFor(1));
   EXPECT_EQ(collector.Records()[0].eventId, 0x9001);
+  // The callback must outlive its registration: closing ends it.
+  camera->Close();
 }
 
 // A callback that uses the camera, as applications do.
