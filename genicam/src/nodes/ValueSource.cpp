@@ -96,6 +96,15 @@ CSource& CValueSource::Current(CNode& owner, bool ignoreCache) {
   throw ACCESS_EXCEPTION("Node '%s': index %lld selects no value", owner.Name().c_str(), static_cast<long long>(index));
 }
 
+CNode* CValueSource::TargetNode(bool ignoreCache) {
+  if (m_pIndex == nullptr) return m_direct.node;
+  const int64_t index = m_pIndex->GetInt(false, ignoreCache);
+  for (CIndexed& entry : m_indexed) {
+    if (entry.index == index) return entry.source.node;
+  }
+  return m_default.present ? m_default.node : nullptr;
+}
+
 int64_t CValueSource::GetInt(CNode& owner, bool ignoreCache) {
   CSource& source = Current(owner, ignoreCache);
   return source.node ? source.node->GetInt(false, ignoreCache) : source.intValue;

@@ -128,4 +128,31 @@ TEST(IntConverter, EvaluatesIn64BitIntegers) {
   EXPECT_EQ(CIntegerPtr(t.Node("Raw"))->GetValue(), 0x700000000LL);
 }
 
+TEST(Float, OverAnIndexedIntegerShowsTheSelectedNodesLimits) {
+  CTestMap t(
+      "<Integer Name='Binning'><pIndex>Mode</pIndex><pValueIndexed Index='0'>BinA</pValueIndexed>"
+      "<pValueIndexed Index='1'>BinB</pValueIndexed><pValueDefault>BinA</pValueDefault></Integer>"
+      "<Integer Name='Mode'><Value>0</Value></Integer>"
+      "<Integer Name='BinA'><Value>1</Value><Min>1</Min><Max>4</Max><Inc>1</Inc></Integer>"
+      "<Integer Name='BinB'><Value>2</Value><Min>2</Min><Max>8</Max><Inc>2</Inc></Integer>"
+      "<Float Name='BinningF'><pValue>Binning</pValue></Float>"
+      "<Float Name='IndexedF'><pIndex>Mode</pIndex><pValueIndexed Index='0'>BinA</pValueIndexed>"
+      "<pValueIndexed Index='1'>BinB</pValueIndexed></Float>");
+  CFloatPtr binning(t.Node("BinningF"));
+  CFloatPtr indexed(t.Node("IndexedF"));
+  for (CFloatPtr f : {binning, indexed}) {
+    EXPECT_EQ(f->GetMin(), 1.0);
+    EXPECT_EQ(f->GetMax(), 4.0);
+    ASSERT_TRUE(f->HasInc());
+    EXPECT_EQ(f->GetInc(), 1.0);
+  }
+  CIntegerPtr(t.Node("Mode"))->SetValue(1);
+  for (CFloatPtr f : {binning, indexed}) {
+    EXPECT_EQ(f->GetMin(), 2.0);
+    EXPECT_EQ(f->GetMax(), 8.0);
+    EXPECT_EQ(f->GetInc(), 2.0);
+  }
+  EXPECT_THROW(binning->SetValue(9.0), GenICam::OutOfRangeException);
+}
+
 }  // namespace
