@@ -224,13 +224,33 @@ EAccessMode CNode::ComputeAccessMode() {
   return mode;
 }
 
+namespace {
+enum class ECondition { False, True, Unreadable };
+
+// A pIsImplemented, pIsAvailable or pIsLocked condition. One that cannot be read right now (it reads a chunk port
+// without chunk data, a port not connected) is reported as such: asking whether a node can be used must not fail for
+// a state that is normal between images.
+ECondition ReadCondition(CNode& condition) {
+  try {
+    return condition.GetInt(false, false) != 0 ? ECondition::True : ECondition::False;
+  } catch (const GenICam::AccessException&) {
+    return ECondition::Unreadable;
+  }
+}
+}  // namespace
+
 EAccessMode CNode::ComputeAccessModeUncached() {
   CDepthGuard depth(*this);
-  if (m_pIsImplemented != nullptr && m_pIsImplemented->GetInt(false, false) == 0) return NI;
-  if (m_pIsAvailable != nullptr && m_pIsAvailable->GetInt(false, false) == 0) return NA;
+  if (m_pIsImplemented != nullptr) {
+    const ECondition implemented = ReadCondition(*m_pIsImplemented);
+    if (implemented == ECondition::False) return NI;
+    if (implemented == ECondition::Unreadable) return NA;
+  }
+  if (m_pIsAvailable != nullptr && ReadCondition(*m_pIsAvailable) != ECondition::True) return NA;
   EAccessMode mode = OwnAccessMode();
   if (mode == NI || mode == NA) return mode;
-  if (m_pIsLocked != nullptr && (mode == RW || mode == WO) && m_pIsLocked->GetInt(false, false) != 0) {
+  // A lock that cannot be read is not held.
+  if (m_pIsLocked != nullptr && (mode == RW || mode == WO) && ReadCondition(*m_pIsLocked) == ECondition::True) {
     mode = mode == RW ? RO : NA;
   }
   mode = Combine(mode, m_imposedAccess);
