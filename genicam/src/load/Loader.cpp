@@ -11,13 +11,26 @@
 
 #include <GCBase/GCException.h>
 
-#include "load/LoadContext.h"
-#include "load/NumberParsing.h"
-#include "nodes/EnumerationNodes.h"
-#include "nodes/FormulaNodes.h"
+#include "nodes/LoadContext.h"
+#include "base/NumberParsing.h"
+#include "nodes/Boolean.h"
+#include "nodes/Category.h"
+#include "nodes/Command.h"
+#include "nodes/Converter.h"
+#include "nodes/Enumeration.h"
+#include "nodes/Float.h"
+#include "nodes/FloatReg.h"
+#include "nodes/IntConverter.h"
+#include "nodes/IntReg.h"
+#include "nodes/IntSwissKnife.h"
+#include "nodes/Integer.h"
 #include "nodes/NodeMap.h"
-#include "nodes/RegisterNodes.h"
-#include "nodes/ValueNodes.h"
+#include "nodes/PlainNode.h"
+#include "nodes/Port.h"
+#include "nodes/RawRegister.h"
+#include "nodes/String.h"
+#include "nodes/StringReg.h"
+#include "nodes/SwissKnife.h"
 
 namespace GenApi {
 namespace Engine {
@@ -248,12 +261,12 @@ void GroupRegisters(CNodeMapImpl& map) {
   };
   std::vector<CRange> ranges;
   for (auto& owned : map.AllNodes()) {
-    auto* reg = dynamic_cast<CRegisterBase*>(owned.get());
-    if (reg == nullptr || !reg->Core().HasFixedAddress() || reg->Core().Port() == nullptr) continue;
-    const int64_t begin = reg->Core().FixedAddress();
-    const int64_t length = std::max<int64_t>(reg->Core().FixedLength(), 1);
+    CRegisterCore* reg = owned->RegisterCore();
+    if (reg == nullptr || !reg->HasFixedAddress() || reg->Port() == nullptr) continue;
+    const int64_t begin = reg->FixedAddress();
+    const int64_t length = std::max<int64_t>(reg->FixedLength(), 1);
     const int64_t end = begin > INT64_MAX - length ? INT64_MAX : begin + length;
-    ranges.push_back({reg->Core().Port(), begin, end, reg});
+    ranges.push_back({reg->Port(), begin, end, owned.get()});
   }
   std::sort(ranges.begin(), ranges.end(), [](const CRange& a, const CRange& b) {
     return a.port != b.port ? std::less<const CPortNode*>()(a.port, b.port) : a.begin < b.begin;

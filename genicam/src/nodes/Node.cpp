@@ -6,7 +6,7 @@
 #include <limits>
 #include <unordered_set>
 
-#include "load/LoadContext.h"
+#include "nodes/LoadContext.h"
 #include "nodes/NodeMap.h"
 
 namespace GenApi {
@@ -388,11 +388,6 @@ bool CNode::ConfigureElement(CLoadContext& context, EElement id, const pugi::xml
 }
 
 void CNode::FinishLoading(CLoadContext&) {}
-
-bool CValueNode::IsValueCacheValid() const {
-  CEntryGuard guard(m_map);
-  return CacheValid();
-}
 
 }  // namespace Engine
 }  // namespace GenApi

@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "formula/Formula.h"
-#include "nodes/ValueNodes.h"
+#include "nodes/Port.h"
 
 namespace GenApi {
 namespace Engine {

@@ -1,8 +1,8 @@
 // CValueSource: reading and writing a value node's storage.
 #include "nodes/ValueSource.h"
 
-#include "load/LoadContext.h"
-#include "load/NumberParsing.h"
+#include "nodes/LoadContext.h"
+#include "base/NumberParsing.h"
 #include "nodes/NodeMap.h"
 
 namespace GenApi {

@@ -155,4 +155,35 @@ TEST(Float, OverAnIndexedIntegerShowsTheSelectedNodesLimits) {
   EXPECT_THROW(binning->SetValue(9.0), GenICam::OutOfRangeException);
 }
 
+// Float and FloatReg share one reading of DisplayNotation and Representation: the same text means the same on both,
+// and a name the format does not define is refused by both, naming the node and the element.
+TEST(Float, DisplayNotationAndRepresentationReadAlikeOnValueAndRegisterNodes) {
+  const std::string reg =
+      "<FloatReg Name='R'><Address>0</Address><Length>4</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>%s"
+      "</FloatReg>";
+  const std::string value = "<Float Name='R'><Value>1.5</Value>%s</Float>";
+  for (const std::string& pattern : {reg, value}) {
+    auto describe = [&](const std::string& elements) {
+      std::string nodes = pattern;
+      nodes.replace(nodes.find("%s"), 2, elements);
+      return nodes;
+    };
+    SCOPED_TRACE(pattern);
+    CTestMap t(describe("<DisplayNotation>Scientific</DisplayNotation><DisplayPrecision>3</DisplayPrecision>"
+                        "<Representation>Logarithmic</Representation>"));
+    CFloatPtr f(t.Node("R"));
+    EXPECT_EQ(f->GetDisplayNotation(), GenApi::fnScientific);
+    EXPECT_EQ(f->GetDisplayPrecision(), 3);
+    EXPECT_EQ(f->GetRepresentation(), GenApi::Logarithmic);
+    for (const char* bad : {"<DisplayNotation>Engineering</DisplayNotation>", "<Representation>Bar</Representation>"}) {
+      const std::string error = ErrorOf([&] {
+        GenApi::CNodeMapRef map;
+        map._LoadXMLFromString(Describe(describe(bad)));
+      });
+      EXPECT_NE(error.find("'R'"), std::string::npos) << error;
+      EXPECT_NE(error.find(std::string(bad).substr(1, std::string(bad).find('>') - 1)), std::string::npos) << error;
+    }
+  }
+}
+
 }  // namespace

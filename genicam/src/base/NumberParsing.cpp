@@ -1,5 +1,5 @@
 // Parsing of integer and floating-point texts without locale dependence and without allocation.
-#include "load/NumberParsing.h"
+#include "base/NumberParsing.h"
 
 #include <charconv>
 #include <cmath>

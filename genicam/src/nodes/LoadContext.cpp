@@ -1,5 +1,5 @@
 // Element identifiers and the helpers nodes use while reading their elements.
-#include "load/LoadContext.h"
+#include "nodes/LoadContext.h"
 
 #include <algorithm>
 #include <cstring>
@@ -7,8 +7,8 @@
 
 #include <GCBase/GCException.h>
 
-#include "load/NumberParsing.h"
-#include "nodes/FormulaNodes.h"
+#include "base/NumberParsing.h"
+#include "nodes/IntSwissKnife.h"
 #include "nodes/NodeMap.h"
 
 namespace GenApi {
