@@ -514,4 +514,15 @@ SConfig LoadConfig(const std::string& modulePath) {
   }
 }
 
+uint64_t TransportTypeCode(const std::string& tlType, bool mixedAllowed) {
+  static const char* const names[] = {"Custom", "GEV", "U3V", "CL", "CXP", "Mixed"};
+  const uint64_t count = mixedAllowed ? 6 : 5;
+  for (uint64_t i = 0; i < count; ++i) {
+    if (tlType == names[i]) {
+      return i;
+    }
+  }
+  return 0;
+}
+
 } // namespace TalvirSim

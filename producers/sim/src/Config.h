@@ -14,6 +14,10 @@ enum class EFlavour { Custom = 0, GEV = 1, U3V = 2, CL = 3, CXP = 4 };
 EFlavour FlavourFromFileName(const std::string& path);
 const char* FlavourTLType(EFlavour flavour);
 
+// The code of a transport-layer type name: "Custom" 0, "GEV" 1, "U3V" 2, "CL" 3, "CXP" 4, and "Mixed" 5 when
+// mixedAllowed (system and interface modules); 0 for anything else.
+uint64_t TransportTypeCode(const std::string& tlType, bool mixedAllowed);
+
 constexpr uint64_t kNoAddress = 0xFFFFFFFFFFFFFFFFull;
 
 struct SFaultConfig {

@@ -21,9 +21,15 @@ struct SDescription {
   bool Covers(uint64_t start, size_t length) const;
 };
 
+// Where the system, interface, device and data stream modules serve their own description.
+constexpr uint64_t kModuleDescriptionAddress = 0x10000000;
+
 // Builds a description from XML text, zipping it when asked.
 SDescription MakeDescription(const std::string& baseName, const std::string& xml, uint64_t address, bool zipped,
                              const std::string& scheme);
+
+// A module's own description: XML at kModuleDescriptionAddress, served through a local: URL.
+SDescription ModuleDescription(const std::string& baseName, const std::string& xml);
 
 // The embedded description texts (see xml/ and the build's embedding step).
 const std::string& EmbeddedXml(const std::string& name);
