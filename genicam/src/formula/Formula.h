@@ -34,6 +34,9 @@ public:
 
   int64_t EvaluateInt(int program, const int64_t* externals, bool ignoreCache) const;
   double EvaluateFloat(int program, const double* externals, bool ignoreCache) const;
+  // EvaluateInt for int64_t, EvaluateFloat for double.
+  template <class T>
+  T Evaluate(int program, const T* externals, bool ignoreCache) const;
 
   // Drops what only compiling needs (variable names and texts); call once every program is compiled.
   void FinishCompiling();
@@ -93,6 +96,15 @@ private:
   std::vector<CProgram> m_programs;
   std::vector<IFormulaOperand*> m_referencedNodes;
 };
+
+template <>
+inline int64_t CFormulaSet::Evaluate<int64_t>(int program, const int64_t* externals, bool ignoreCache) const {
+  return EvaluateInt(program, externals, ignoreCache);
+}
+template <>
+inline double CFormulaSet::Evaluate<double>(int program, const double* externals, bool ignoreCache) const {
+  return EvaluateFloat(program, externals, ignoreCache);
+}
 
 }  // namespace Engine
 }  // namespace GenApi

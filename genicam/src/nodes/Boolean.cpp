@@ -11,8 +11,6 @@
 namespace GenApi {
 namespace Engine {
 
-void CBooleanNode::FinishLoading(CLoadContext& context) { m_value.Check(*this, context, pugi::xml_node()); }
-
 bool CBooleanNode::ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) {
   if (m_value.Configure(*this, context, id, child, false)) return true;
   switch (id) {

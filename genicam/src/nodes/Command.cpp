@@ -7,8 +7,6 @@
 namespace GenApi {
 namespace Engine {
 
-void CCommandNode::FinishLoading(CLoadContext& context) { m_value.Check(*this, context, pugi::xml_node()); }
-
 bool CCommandNode::ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) {
   if (m_value.Configure(*this, context, id, child, false)) return true;
   switch (id) {

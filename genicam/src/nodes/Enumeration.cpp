@@ -19,7 +19,7 @@ void CEnumerationNode::FinishLoading(CLoadContext& context) {
   // Entry availability changes the enumeration's symbolics, not its value: a notification edge only, so that entries
   // whose availability reads registers selected by this enumeration do not form a reference cycle.
   for (CEnumEntryNode* entry : m_entries) entry->m_dependents.push_back(this);
-  m_value.Check(*this, context, pugi::xml_node());
+  CSourcedNode::FinishLoading(context);
 }
 
 // When several entries share a value (a description error seen in real files), the last one defined wins, as a

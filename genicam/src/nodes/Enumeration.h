@@ -6,14 +6,14 @@
 
 #include "nodes/EnumEntry.h"
 #include "nodes/ValueNode.h"
-#include "nodes/ValueSource.h"
+#include "nodes/SourcedNode.h"
 
 namespace GenApi {
 namespace Engine {
 
-class CEnumerationNode : public CValueNode, public virtual IEnumeration {
+class CEnumerationNode : public CSourcedNode<CValueNode>, public virtual IEnumeration {
 public:
-  CEnumerationNode(CNodeMapImpl& map, std::string name) : CValueNode(map, std::move(name), intfIEnumeration) {}
+  CEnumerationNode(CNodeMapImpl& map, std::string name) : CSourcedNode(map, std::move(name), intfIEnumeration) {}
   void GetSymbolics(StringList_t& Symbolics) override;
   void GetEntries(NodeList_t& Entries) override;
   void SetIntValue(int64_t Value, bool Verify = true) override;
@@ -26,19 +26,16 @@ public:
 
   bool ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) override;
   void FinishLoading(CLoadContext& context) override;
-  EAccessMode OwnAccessMode() override { return m_value.AccessMode(*this); }
   int64_t GetInt(bool verify, bool ignoreCache) override;
   void SetInt(int64_t value, bool verify) override;
   bool IsNumeric() const override { return true; }
   bool FindEntryValue(std::string_view symbolic, int64_t& value) override;
-  bool CacheValid() const override { return const_cast<CValueSource&>(m_value).CacheValid(const_cast<CEnumerationNode&>(*this)); }
   void AddEntry(CEnumEntryNode* entry) { m_entries.push_back(entry); }
 
 private:
   CEnumEntryNode* ByValue(int64_t value) const;
   CEnumEntryNode* BySymbolic(std::string_view symbolic) const;
   bool EntryAvailable(CEnumEntryNode* entry);
-  CValueSource m_value;
   std::vector<CEnumEntryNode*> m_entries;
 };
 

@@ -122,6 +122,43 @@ void CLoadContext::FloatRef(CNode& owner, const pugi::xml_node& element, bool is
   }
 }
 
+namespace {
+void SetRef(CLoadContext& context, CNode& owner, const pugi::xml_node& element, bool isPointer, CIntRef& ref) {
+  context.IntRef(owner, element, isPointer, ref);
+}
+void SetRef(CLoadContext& context, CNode& owner, const pugi::xml_node& element, bool isPointer, CFloatRef& ref) {
+  context.FloatRef(owner, element, isPointer, ref);
+}
+
+template <class TRef>
+bool ConfigureLimits(CLoadContext& context, CNode& owner, EElement id, const pugi::xml_node& element, TRef& min,
+                     TRef& max, TRef& inc) {
+  TRef* ref = nullptr;
+  bool isPointer = false;
+  switch (id) {
+    case EElement::pMin: isPointer = true; [[fallthrough]];
+    case EElement::Min: ref = &min; break;
+    case EElement::pMax: isPointer = true; [[fallthrough]];
+    case EElement::Max: ref = &max; break;
+    case EElement::pInc: isPointer = true; [[fallthrough]];
+    case EElement::Inc: ref = &inc; break;
+    default: return false;
+  }
+  SetRef(context, owner, element, isPointer, *ref);
+  return true;
+}
+}  // namespace
+
+bool CLoadContext::Limits(CNode& owner, EElement id, const pugi::xml_node& element, CIntRef& min, CIntRef& max,
+                          CIntRef& inc) {
+  return ConfigureLimits(*this, owner, id, element, min, max, inc);
+}
+
+bool CLoadContext::Limits(CNode& owner, EElement id, const pugi::xml_node& element, CFloatRef& min, CFloatRef& max,
+                          CFloatRef& inc) {
+  return ConfigureLimits(*this, owner, id, element, min, max, inc);
+}
+
 CNode* CLoadContext::CreateEmbeddedSwissKnife(CNode& owner, const pugi::xml_node& element) {
   // A named embedded formula is a node of the map like any other (when its name is free); an unnamed one is private.
   const std::string_view given = TrimSpaces(element.attribute("Name").value());

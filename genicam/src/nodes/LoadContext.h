@@ -55,6 +55,10 @@ public:
   // Value or pValue-style element pair into a reference.
   void IntRef(CNode& owner, const pugi::xml_node& element, bool isPointer, CIntRef& ref);
   void FloatRef(CNode& owner, const pugi::xml_node& element, bool isPointer, CFloatRef& ref);
+  // Min/pMin, Max/pMax and Inc/pInc into the three references; false for any other element.
+  bool Limits(CNode& owner, EElement id, const pugi::xml_node& element, CIntRef& min, CIntRef& max, CIntRef& inc);
+  bool Limits(CNode& owner, EElement id, const pugi::xml_node& element, CFloatRef& min, CFloatRef& max,
+              CFloatRef& inc);
 
   [[noreturn]] void Fail(const CNode* owner, const pugi::xml_node& element, const char* problem) const;
   // 1-based line of an element in the document text.

@@ -9,8 +9,6 @@
 namespace GenApi {
 namespace Engine {
 
-void CStringNode::FinishLoading(CLoadContext& context) { m_value.Check(*this, context, pugi::xml_node()); }
-
 bool CStringNode::ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) {
   if (m_value.Configure(*this, context, id, child, false, true)) return true;
   return CValueNode::ConfigureElement(context, id, child);

@@ -3,25 +3,20 @@
 #include <string>
 
 #include "nodes/StringBase.h"
-#include "nodes/ValueSource.h"
+#include "nodes/SourcedNode.h"
 
 namespace GenApi {
 namespace Engine {
 
-class CStringNode : public CStringBase {
+class CStringNode : public CSourcedNode<CStringBase> {
 public:
-  CStringNode(CNodeMapImpl& map, std::string name) : CStringBase(map, std::move(name), intfIString) {}
+  CStringNode(CNodeMapImpl& map, std::string name) : CSourcedNode(map, std::move(name), intfIString) {}
   int64_t GetMaxLength() override;
 
   bool ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) override;
-  void FinishLoading(CLoadContext& context) override;
-  EAccessMode OwnAccessMode() override { return m_value.AccessMode(*this); }
   std::string GetStr(bool verify, bool ignoreCache) override;
   void SetStr(const std::string& value, bool verify) override;
-  CValueSource& Source() { return m_value; }
 
-private:
-  CValueSource m_value;
 };
 
 }  // namespace Engine

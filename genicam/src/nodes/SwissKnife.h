@@ -3,23 +3,16 @@
 #include <string>
 
 #include "nodes/FloatBase.h"
-#include "nodes/SwissKnifeCore.h"
+#include "nodes/FormulaValueNode.h"
 
 namespace GenApi {
 namespace Engine {
 
-class CSwissKnifeNode : public CFloatBase {
+class CSwissKnifeNode : public CFormulaValueNode<CFloatBase> {
 public:
-  CSwissKnifeNode(CNodeMapImpl& map, std::string name)
-      : CFloatBase(map, std::move(name), intfIFloat), m_core(this, false) {}
-  bool ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) override;
-  void FinishLoading(CLoadContext& context) override { m_core.Finish(*this, context); }
-  EAccessMode OwnAccessMode() override { return RO; }
-  double GetFloat(bool verify, bool ignoreCache) override;
-  void SetFloat(double value, bool verify) override;
-
-private:
-  CSwissKnifeCore m_core;
+  CSwissKnifeNode(CNodeMapImpl& map, std::string name) : CFormulaValueNode(map, std::move(name), intfIFloat, false) {}
+  double GetFloat(bool, bool ignoreCache) override { return Evaluate<double>(ignoreCache); }
+  void SetFloat(double, bool) override { RefuseWrite(); }
 };
 
 }  // namespace Engine
