@@ -60,7 +60,8 @@ bool ParseDouble(std::string_view text, double& value) {
   text = TrimSpaces(text);
   if (text.empty()) return false;
   int64_t integer = 0;
-  if (text.size() > 2 && (text[1] == 'x' || text[1] == 'X' || (text.size() > 3 && (text[2] == 'x' || text[2] == 'X')))) {
+  if (text.size() > 2 &&
+      (text[1] == 'x' || text[1] == 'X' || (text.size() > 3 && (text[2] == 'x' || text[2] == 'X')))) {
     if (ParseInteger(text, integer)) {
       value = static_cast<double>(integer);
       return true;

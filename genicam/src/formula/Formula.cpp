@@ -126,13 +126,13 @@ bool CFormulaSet::CheckSyntax(std::string_view text, bool integerMode) {
 template <>
 int64_t CFormulaSet::SlotValue<int64_t>(const CSlot& slot, const int64_t* externals, bool ignoreCache) const {
   switch (slot.kind) {
-    case ESlot::Value: return slot.node->GetInt(false, ignoreCache);
-    case ESlot::Min: return slot.node->IsFloatValued() ? ClampToInt64(slot.node->GetFloatMin()) : slot.node->GetIntMin();
-    case ESlot::Max: return slot.node->IsFloatValued() ? ClampToInt64(slot.node->GetFloatMax()) : slot.node->GetIntMax();
-    case ESlot::Inc: return slot.node->IsFloatValued() ? ClampToInt64(slot.node->GetFloatInc()) : slot.node->GetIntInc();
-    case ESlot::Constant: return slot.intValue;
-    case ESlot::Expression: return Run<int64_t>(slot.index, externals, ignoreCache);
-    case ESlot::External: return externals ? externals[slot.index] : 0;
+  case ESlot::Value: return slot.node->GetInt(false, ignoreCache);
+  case ESlot::Min: return slot.node->IsFloatValued() ? ClampToInt64(slot.node->GetFloatMin()) : slot.node->GetIntMin();
+  case ESlot::Max: return slot.node->IsFloatValued() ? ClampToInt64(slot.node->GetFloatMax()) : slot.node->GetIntMax();
+  case ESlot::Inc: return slot.node->IsFloatValued() ? ClampToInt64(slot.node->GetFloatInc()) : slot.node->GetIntInc();
+  case ESlot::Constant: return slot.intValue;
+  case ESlot::Expression: return Run<int64_t>(slot.index, externals, ignoreCache);
+  case ESlot::External: return externals ? externals[slot.index] : 0;
   }
   return 0;
 }
@@ -140,13 +140,13 @@ int64_t CFormulaSet::SlotValue<int64_t>(const CSlot& slot, const int64_t* extern
 template <>
 double CFormulaSet::SlotValue<double>(const CSlot& slot, const double* externals, bool ignoreCache) const {
   switch (slot.kind) {
-    case ESlot::Value: return slot.node->GetFloat(false, ignoreCache);
-    case ESlot::Min: return slot.node->GetFloatMin();
-    case ESlot::Max: return slot.node->GetFloatMax();
-    case ESlot::Inc: return slot.node->GetFloatInc();
-    case ESlot::Constant: return slot.floatValue;
-    case ESlot::Expression: return Run<double>(slot.index, externals, ignoreCache);
-    case ESlot::External: return externals ? externals[slot.index] : 0.0;
+  case ESlot::Value: return slot.node->GetFloat(false, ignoreCache);
+  case ESlot::Min: return slot.node->GetFloatMin();
+  case ESlot::Max: return slot.node->GetFloatMax();
+  case ESlot::Inc: return slot.node->GetFloatInc();
+  case ESlot::Constant: return slot.floatValue;
+  case ESlot::Expression: return Run<double>(slot.index, externals, ignoreCache);
+  case ESlot::External: return externals ? externals[slot.index] : 0.0;
   }
   return 0.0;
 }
@@ -159,34 +159,37 @@ namespace {
 
 double FloatFunction(int32_t id, double x) {
   switch (id) {
-    case fSGN: return x > 0 ? 1.0 : (x < 0 ? -1.0 : 0.0);
-    case fNEG: return -x;
-    case fATAN: return std::atan(x);
-    case fCOS: return std::cos(x);
-    case fSIN: return std::sin(x);
-    case fTAN: return std::tan(x);
-    case fABS: return std::fabs(x);
-    case fEXP: return std::exp(x);
-    case fLN: return std::log(x);
-    case fLG: return std::log10(x);
-    case fSQRT: return std::sqrt(x);
-    case fTRUNC: return std::trunc(x);
-    case fFLOOR: return std::floor(x);
-    case fCEIL: return std::ceil(x);
-    case fROUND: return std::round(x);
-    case fASIN: return std::asin(x);
-    case fACOS: return std::acos(x);
-    default: return x;
+  case fSGN: return x > 0 ? 1.0 : (x < 0 ? -1.0 : 0.0);
+  case fNEG: return -x;
+  case fATAN: return std::atan(x);
+  case fCOS: return std::cos(x);
+  case fSIN: return std::sin(x);
+  case fTAN: return std::tan(x);
+  case fABS: return std::fabs(x);
+  case fEXP: return std::exp(x);
+  case fLN: return std::log(x);
+  case fLG: return std::log10(x);
+  case fSQRT: return std::sqrt(x);
+  case fTRUNC: return std::trunc(x);
+  case fFLOOR: return std::floor(x);
+  case fCEIL: return std::ceil(x);
+  case fROUND: return std::round(x);
+  case fASIN: return std::asin(x);
+  case fACOS: return std::acos(x);
+  default: return x;
   }
 }
 
 int64_t IntFunction(int32_t id, int64_t x) {
   switch (id) {
-    case fSGN: return x > 0 ? 1 : (x < 0 ? -1 : 0);
-    case fNEG: return static_cast<int64_t>(0 - static_cast<uint64_t>(x));
-    case fABS: return x < 0 ? static_cast<int64_t>(0 - static_cast<uint64_t>(x)) : x;
-    case fTRUNC: case fFLOOR: case fCEIL: case fROUND: return x;
-    default: return ClampToInt64(FloatFunction(id, static_cast<double>(x)));
+  case fSGN: return x > 0 ? 1 : (x < 0 ? -1 : 0);
+  case fNEG: return static_cast<int64_t>(0 - static_cast<uint64_t>(x));
+  case fABS: return x < 0 ? static_cast<int64_t>(0 - static_cast<uint64_t>(x)) : x;
+  case fTRUNC:
+  case fFLOOR:
+  case fCEIL:
+  case fROUND: return x;
+  default: return ClampToInt64(FloatFunction(id, static_cast<double>(x)));
   }
 }
 
@@ -211,54 +214,53 @@ int64_t IntBinary(EOp op, int64_t a, int64_t b, const IFormulaOperand* owner) {
   const uint64_t ua = static_cast<uint64_t>(a);
   const uint64_t ub = static_cast<uint64_t>(b);
   switch (op) {
-    case EOp::Add: return static_cast<int64_t>(ua + ub);
-    case EOp::Sub: return static_cast<int64_t>(ua - ub);
-    case EOp::Mul: return static_cast<int64_t>(ua * ub);
-    case EOp::Div:
-      if (b == 0) ThrowDivision(owner);
-      if (b == -1) return static_cast<int64_t>(0 - ua);
-      return a / b;
-    case EOp::Mod:
-      if (b == 0) ThrowDivision(owner);
-      if (b == -1) return 0;
-      return a % b;
-    case EOp::Pow: return IntPower(a, b);
-    case EOp::BitAnd: return a & b;
-    case EOp::BitOr: return a | b;
-    case EOp::BitXor: return a ^ b;
-    // Shift counts are taken modulo 64, as 64-bit processors do.
-    case EOp::Shl: return static_cast<int64_t>(ua << (ub & 63));
-    case EOp::Shr: return a >> (ub & 63);
-    case EOp::Eq: return a == b;
-    case EOp::Ne: return a != b;
-    case EOp::Lt: return a < b;
-    case EOp::Gt: return a > b;
-    case EOp::Le: return a <= b;
-    case EOp::Ge: return a >= b;
-    default: return 0;
+  case EOp::Add: return static_cast<int64_t>(ua + ub);
+  case EOp::Sub: return static_cast<int64_t>(ua - ub);
+  case EOp::Mul: return static_cast<int64_t>(ua * ub);
+  case EOp::Div:
+    if (b == 0) ThrowDivision(owner);
+    if (b == -1) return static_cast<int64_t>(0 - ua);
+    return a / b;
+  case EOp::Mod:
+    if (b == 0) ThrowDivision(owner);
+    if (b == -1) return 0;
+    return a % b;
+  case EOp::Pow: return IntPower(a, b);
+  case EOp::BitAnd: return a & b;
+  case EOp::BitOr: return a | b;
+  case EOp::BitXor: return a ^ b;
+  // Shift counts are taken modulo 64, as 64-bit processors do.
+  case EOp::Shl: return static_cast<int64_t>(ua << (ub & 63));
+  case EOp::Shr: return a >> (ub & 63);
+  case EOp::Eq: return a == b;
+  case EOp::Ne: return a != b;
+  case EOp::Lt: return a < b;
+  case EOp::Gt: return a > b;
+  case EOp::Le: return a <= b;
+  case EOp::Ge: return a >= b;
+  default: return 0;
   }
 }
 
 double FloatBinary(EOp op, double a, double b, const IFormulaOperand* owner) {
   switch (op) {
-    case EOp::Add: return a + b;
-    case EOp::Sub: return a - b;
-    case EOp::Mul: return a * b;
-    case EOp::Div:
-      if (b == 0.0) ThrowDivision(owner);
-      return a / b;
-    case EOp::Mod:
-      if (b == 0.0) ThrowDivision(owner);
-      return std::fmod(a, b);
-    case EOp::Pow: return std::pow(a, b);
-    case EOp::Eq: return a == b ? 1.0 : 0.0;
-    case EOp::Ne: return a != b ? 1.0 : 0.0;
-    case EOp::Lt: return a < b ? 1.0 : 0.0;
-    case EOp::Gt: return a > b ? 1.0 : 0.0;
-    case EOp::Le: return a <= b ? 1.0 : 0.0;
-    case EOp::Ge: return a >= b ? 1.0 : 0.0;
-    default:
-      return static_cast<double>(IntBinary(op, ClampToInt64(a), ClampToInt64(b), owner));
+  case EOp::Add: return a + b;
+  case EOp::Sub: return a - b;
+  case EOp::Mul: return a * b;
+  case EOp::Div:
+    if (b == 0.0) ThrowDivision(owner);
+    return a / b;
+  case EOp::Mod:
+    if (b == 0.0) ThrowDivision(owner);
+    return std::fmod(a, b);
+  case EOp::Pow: return std::pow(a, b);
+  case EOp::Eq: return a == b ? 1.0 : 0.0;
+  case EOp::Ne: return a != b ? 1.0 : 0.0;
+  case EOp::Lt: return a < b ? 1.0 : 0.0;
+  case EOp::Gt: return a > b ? 1.0 : 0.0;
+  case EOp::Le: return a <= b ? 1.0 : 0.0;
+  case EOp::Ge: return a >= b ? 1.0 : 0.0;
+  default: return static_cast<double>(IntBinary(op, ClampToInt64(a), ClampToInt64(b), owner));
   }
 }
 
@@ -290,37 +292,39 @@ T CFormulaSet::Run(int programIndex, const T* externals, bool ignoreCache) const
   for (size_t pc = 0; pc < count;) {
     const COp& op = ops[pc++];
     switch (op.code) {
-      case EOp::PushConst: stack[top++] = Const(op, T()); break;
-      case EOp::PushSlot: stack[top++] = SlotValue<T>(m_slots[static_cast<size_t>(op.arg)], externals, ignoreCache); break;
-      case EOp::Neg: stack[top - 1] = Negate(stack[top - 1]); break;
-      case EOp::BitNot: stack[top - 1] = BitNot(stack[top - 1]); break;
-      case EOp::LogNot: stack[top - 1] = stack[top - 1] == T() ? T(1) : T(0); break;
-      case EOp::ToBool: stack[top - 1] = stack[top - 1] != T() ? T(1) : T(0); break;
-      case EOp::JumpIfZero:
-        if (stack[--top] == T()) pc = static_cast<size_t>(op.arg);
-        break;
-      case EOp::Jump: pc = static_cast<size_t>(op.arg); break;
-      case EOp::AndShortCircuit:
-        if (stack[--top] == T()) {
-          stack[top++] = T(0);
-          pc = static_cast<size_t>(op.arg);
-        }
-        break;
-      case EOp::OrShortCircuit:
-        if (stack[--top] != T()) {
-          stack[top++] = T(1);
-          pc = static_cast<size_t>(op.arg);
-        }
-        break;
-      case EOp::Func1: stack[top - 1] = Unary1(op.arg, stack[top - 1]); break;
-      case EOp::Func2:
-        --top;
-        stack[top - 1] = Round2(stack[top - 1], stack[top]);
-        break;
-      default:
-        --top;
-        stack[top - 1] = Binary(op.code, stack[top - 1], stack[top], m_owner);
-        break;
+    case EOp::PushConst: stack[top++] = Const(op, T()); break;
+    case EOp::PushSlot:
+      stack[top++] = SlotValue<T>(m_slots[static_cast<size_t>(op.arg)], externals, ignoreCache);
+      break;
+    case EOp::Neg: stack[top - 1] = Negate(stack[top - 1]); break;
+    case EOp::BitNot: stack[top - 1] = BitNot(stack[top - 1]); break;
+    case EOp::LogNot: stack[top - 1] = stack[top - 1] == T() ? T(1) : T(0); break;
+    case EOp::ToBool: stack[top - 1] = stack[top - 1] != T() ? T(1) : T(0); break;
+    case EOp::JumpIfZero:
+      if (stack[--top] == T()) pc = static_cast<size_t>(op.arg);
+      break;
+    case EOp::Jump: pc = static_cast<size_t>(op.arg); break;
+    case EOp::AndShortCircuit:
+      if (stack[--top] == T()) {
+        stack[top++] = T(0);
+        pc = static_cast<size_t>(op.arg);
+      }
+      break;
+    case EOp::OrShortCircuit:
+      if (stack[--top] != T()) {
+        stack[top++] = T(1);
+        pc = static_cast<size_t>(op.arg);
+      }
+      break;
+    case EOp::Func1: stack[top - 1] = Unary1(op.arg, stack[top - 1]); break;
+    case EOp::Func2:
+      --top;
+      stack[top - 1] = Round2(stack[top - 1], stack[top]);
+      break;
+    default:
+      --top;
+      stack[top - 1] = Binary(op.code, stack[top - 1], stack[top], m_owner);
+      break;
     }
   }
   return top > 0 ? stack[top - 1] : T();

@@ -90,7 +90,7 @@ private:
   bool m_acceptAnyIdentifier = false;
   std::vector<CVariable> m_variables;
   std::unordered_map<std::string_view, size_t> m_variableIndex;  // name -> last declaration, built at first use
-  size_t m_indexedVariables = 0;                                  // declarations the index covers
+  size_t m_indexedVariables = 0;                                 // declarations the index covers
   std::unordered_set<const IFormulaOperand*> m_referencedSet;
   std::vector<CSlot> m_slots;
   std::vector<CProgram> m_programs;

@@ -22,11 +22,10 @@ struct CFunctionName {
   const char* name;
   EFormulaFunction id;
 };
-constexpr CFunctionName kFunctions[] = {{"SGN", fSGN},     {"NEG", fNEG},     {"ATAN", fATAN},   {"COS", fCOS},
-                                        {"SIN", fSIN},     {"TAN", fTAN},     {"ABS", fABS},     {"EXP", fEXP},
-                                        {"LN", fLN},       {"LG", fLG},       {"SQRT", fSQRT},   {"TRUNC", fTRUNC},
-                                        {"FLOOR", fFLOOR}, {"CEIL", fCEIL},   {"ROUND", fROUND}, {"ASIN", fASIN},
-                                        {"ACOS", fACOS}};
+constexpr CFunctionName kFunctions[] = {
+    {"SGN", fSGN},     {"NEG", fNEG},   {"ATAN", fATAN},   {"COS", fCOS},   {"SIN", fSIN},   {"TAN", fTAN},
+    {"ABS", fABS},     {"EXP", fEXP},   {"LN", fLN},       {"LG", fLG},     {"SQRT", fSQRT}, {"TRUNC", fTRUNC},
+    {"FLOOR", fFLOOR}, {"CEIL", fCEIL}, {"ROUND", fROUND}, {"ASIN", fASIN}, {"ACOS", fACOS}};
 
 bool SameIgnoringCase(std::string_view a, const char* b) {
   const size_t n = std::strlen(b);
@@ -67,8 +66,8 @@ private:
   [[noreturn]] void Fail(const char* problem) const {
     const std::string shown(m_text.substr(0, 200));
     throw RUNTIME_EXCEPTION("Node '%s': %s in %s at position %zu: '%s'",
-                            m_set.m_owner ? m_set.m_owner->Name().c_str() : "?", problem, m_what,
-                            m_token.position + 1, shown.c_str());
+                            m_set.m_owner ? m_set.m_owner->Name().c_str() : "?", problem, m_what, m_token.position + 1,
+                            shown.c_str());
   }
 
   void Next() {
@@ -129,20 +128,25 @@ private:
     ETok kind = ETok::Op;
     const char d = i + 1 < m_text.size() ? m_text[i + 1] : '\0';
     switch (c) {
-      case '(': kind = ETok::LParen; break;
-      case ')': kind = ETok::RParen; break;
-      case ',': kind = ETok::Comma; break;
-      case '?': kind = ETok::Question; break;
-      case ':': kind = ETok::Colon; break;
-      case '*': length = d == '*' ? 2 : 1; break;
-      case '&': length = d == '&' ? 2 : 1; break;
-      case '|': length = d == '|' ? 2 : 1; break;
-      case '<': length = (d == '<' || d == '=' || d == '>') ? 2 : 1; break;
-      case '>': length = (d == '>' || d == '=') ? 2 : 1; break;
-      case '=': length = d == '=' ? 2 : 1; break;
-      case '!': length = d == '=' ? 2 : 1; break;
-      case '+': case '-': case '/': case '%': case '^': case '~': break;
-      default: Fail("unexpected character");
+    case '(': kind = ETok::LParen; break;
+    case ')': kind = ETok::RParen; break;
+    case ',': kind = ETok::Comma; break;
+    case '?': kind = ETok::Question; break;
+    case ':': kind = ETok::Colon; break;
+    case '*': length = d == '*' ? 2 : 1; break;
+    case '&': length = d == '&' ? 2 : 1; break;
+    case '|': length = d == '|' ? 2 : 1; break;
+    case '<': length = (d == '<' || d == '=' || d == '>') ? 2 : 1; break;
+    case '>': length = (d == '>' || d == '=') ? 2 : 1; break;
+    case '=': length = d == '=' ? 2 : 1; break;
+    case '!': length = d == '=' ? 2 : 1; break;
+    case '+':
+    case '-':
+    case '/':
+    case '%':
+    case '^':
+    case '~': break;
+    default: Fail("unexpected character");
     }
     m_token.kind = kind;
     m_token.text = m_text.substr(i, length);

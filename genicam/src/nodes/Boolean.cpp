@@ -14,9 +14,9 @@ namespace Engine {
 bool CBooleanNode::ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) {
   if (m_value.Configure(*this, context, id, child, false)) return true;
   switch (id) {
-    case EElement::OnValue: m_onValue = context.Integer(*this, child); return true;
-    case EElement::OffValue: m_offValue = context.Integer(*this, child); return true;
-    default: return CValueNode::ConfigureElement(context, id, child);
+  case EElement::OnValue: m_onValue = context.Integer(*this, child); return true;
+  case EElement::OffValue: m_offValue = context.Integer(*this, child); return true;
+  default: return CValueNode::ConfigureElement(context, id, child);
   }
 }
 

@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <string>
 
-#include "nodes/ValueNode.h"
 #include "nodes/SourcedNode.h"
+#include "nodes/ValueNode.h"
 
 namespace GenApi {
 namespace Engine {

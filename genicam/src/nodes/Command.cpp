@@ -10,9 +10,9 @@ namespace Engine {
 bool CCommandNode::ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) {
   if (m_value.Configure(*this, context, id, child, false)) return true;
   switch (id) {
-    case EElement::CommandValue: context.IntRef(*this, child, false, m_commandValue); return true;
-    case EElement::pCommandValue: context.IntRef(*this, child, true, m_commandValue); return true;
-    default: return CValueNode::ConfigureElement(context, id, child);
+  case EElement::CommandValue: context.IntRef(*this, child, false, m_commandValue); return true;
+  case EElement::pCommandValue: context.IntRef(*this, child, true, m_commandValue); return true;
+  default: return CValueNode::ConfigureElement(context, id, child);
   }
 }
 

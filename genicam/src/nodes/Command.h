@@ -2,8 +2,8 @@
 // Command: Execute writes the command value; IsDone is true once the value read back differs from it.
 #include <string>
 
-#include "nodes/ValueNode.h"
 #include "nodes/SourcedNode.h"
+#include "nodes/ValueNode.h"
 
 namespace GenApi {
 namespace Engine {

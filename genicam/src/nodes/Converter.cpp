@@ -15,7 +15,7 @@ double CConverterNode::GetFloatInc() {
   if (!HasFloatInc()) return 0.0;
   const double base = m_core.target->GetFloatMin();
   const double step = m_core.target->IsFloatValued() ? m_core.target->GetFloatInc()
-                                                      : static_cast<double>(m_core.target->GetIntInc());
+                                                     : static_cast<double>(m_core.target->GetIntInc());
   return std::fabs(From(base + step, false) - From(base, false));
 }
 

@@ -11,14 +11,14 @@ namespace Engine {
 
 bool CEnumEntryNode::ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) {
   switch (id) {
-    case EElement::Value: m_value = context.Integer(*this, child); return true;
-    case EElement::NumericValue:
-      m_numericValue = context.Float(*this, child);
-      m_hasNumericValue = true;
-      return true;
-    case EElement::Symbolic: m_symbolic = std::string(CLoadContext::Text(child)); return true;
-    case EElement::IsSelfClearing: m_isSelfClearing = context.YesNo(*this, child); return true;
-    default: return CValueNode::ConfigureElement(context, id, child);
+  case EElement::Value: m_value = context.Integer(*this, child); return true;
+  case EElement::NumericValue:
+    m_numericValue = context.Float(*this, child);
+    m_hasNumericValue = true;
+    return true;
+  case EElement::Symbolic: m_symbolic = std::string(CLoadContext::Text(child)); return true;
+  case EElement::IsSelfClearing: m_isSelfClearing = context.YesNo(*this, child); return true;
+  default: return CValueNode::ConfigureElement(context, id, child);
   }
 }
 

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "nodes/EnumEntry.h"
-#include "nodes/ValueNode.h"
 #include "nodes/SourcedNode.h"
+#include "nodes/ValueNode.h"
 
 namespace GenApi {
 namespace Engine {

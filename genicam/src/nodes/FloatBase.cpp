@@ -14,19 +14,19 @@ namespace Engine {
 
 bool CFloatBase::ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) {
   switch (id) {
-    case EElement::Unit: m_unit = std::string(CLoadContext::Text(child)); return true;
-    case EElement::Representation:
-      if (!ParseRepresentation(CLoadContext::Text(child), m_representation)) {
-        context.Fail(this, child, "unknown representation");
-      }
-      return true;
-    case EElement::DisplayNotation:
-      if (!ParseDisplayNotation(CLoadContext::Text(child), m_displayNotation)) {
-        context.Fail(this, child, "unknown display notation");
-      }
-      return true;
-    case EElement::DisplayPrecision: m_displayPrecision = context.Integer(*this, child); return true;
-    default: return CValueNode::ConfigureElement(context, id, child);
+  case EElement::Unit: m_unit = std::string(CLoadContext::Text(child)); return true;
+  case EElement::Representation:
+    if (!ParseRepresentation(CLoadContext::Text(child), m_representation)) {
+      context.Fail(this, child, "unknown representation");
+    }
+    return true;
+  case EElement::DisplayNotation:
+    if (!ParseDisplayNotation(CLoadContext::Text(child), m_displayNotation)) {
+      context.Fail(this, child, "unknown display notation");
+    }
+    return true;
+  case EElement::DisplayPrecision: m_displayPrecision = context.Integer(*this, child); return true;
+  default: return CValueNode::ConfigureElement(context, id, child);
   }
 }
 
@@ -91,7 +91,9 @@ void CFloatBase::ImposeMax(double Value) {
   m_imposedMax = Value;
   m_map.PropagateChange(this, false);
 }
-gcstring CFloatBase::ToString(bool Verify, bool IgnoreCache) { return gcstring(FloatToText(GetValue(Verify, IgnoreCache))); }
+gcstring CFloatBase::ToString(bool Verify, bool IgnoreCache) {
+  return gcstring(FloatToText(GetValue(Verify, IgnoreCache)));
+}
 void CFloatBase::FromString(const gcstring& ValueStr, bool Verify) { SetValue(TextToFloat(*this, ValueStr), Verify); }
 
 }  // namespace Engine

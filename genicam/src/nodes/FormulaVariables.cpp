@@ -25,32 +25,32 @@ void AddFormulaDependencies(CNode& owner, CFormulaSet& set) {
 bool ConfigureFormulaVariable(CNode& owner, CLoadContext& context, EElement id, const pugi::xml_node& child,
                               CFormulaSet& set) {
   switch (id) {
-    case EElement::pVariable: {
-      std::string name = NameAttribute(owner, context, child);
-      set.AddNodeVariable(std::move(name), context.Resolve(owner, child));
-      return true;
+  case EElement::pVariable: {
+    std::string name = NameAttribute(owner, context, child);
+    set.AddNodeVariable(std::move(name), context.Resolve(owner, child));
+    return true;
+  }
+  case EElement::Constant: {
+    std::string name = NameAttribute(owner, context, child);
+    const std::string_view text = CLoadContext::Text(child);
+    int64_t intValue = 0;
+    double floatValue = 0;
+    if (ParseInteger(text, intValue)) {
+      floatValue = static_cast<double>(intValue);
+    } else if (ParseDouble(text, floatValue)) {
+      intValue = ClampToInt64(floatValue);
+    } else {
+      context.Fail(&owner, child, "bad constant");
     }
-    case EElement::Constant: {
-      std::string name = NameAttribute(owner, context, child);
-      const std::string_view text = CLoadContext::Text(child);
-      int64_t intValue = 0;
-      double floatValue = 0;
-      if (ParseInteger(text, intValue)) {
-        floatValue = static_cast<double>(intValue);
-      } else if (ParseDouble(text, floatValue)) {
-        intValue = ClampToInt64(floatValue);
-      } else {
-        context.Fail(&owner, child, "bad constant");
-      }
-      set.AddConstant(std::move(name), intValue, floatValue);
-      return true;
-    }
-    case EElement::Expression: {
-      std::string name = NameAttribute(owner, context, child);
-      set.AddExpression(std::move(name), std::string(CLoadContext::Text(child)));
-      return true;
-    }
-    default: return false;
+    set.AddConstant(std::move(name), intValue, floatValue);
+    return true;
+  }
+  case EElement::Expression: {
+    std::string name = NameAttribute(owner, context, child);
+    set.AddExpression(std::move(name), std::string(CLoadContext::Text(child)));
+    return true;
+  }
+  default: return false;
   }
 }
 

@@ -13,20 +13,26 @@ namespace Engine {
 
 bool CIntRegNode::ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) {
   switch (id) {
-    case EElement::Sign: {
-      const std::string_view text = CLoadContext::Text(child);
-      if (text == "Signed") m_signed = true;
-      else if (text == "Unsigned") m_signed = false;
-      else context.Fail(this, child, "unknown sign");
-      return true;
-    }
-    case EElement::Bit:
-      m_lsb = m_msb = context.Integer(*this, child);
-      m_masked = true;
-      return true;
-    case EElement::LSB: m_lsb = context.Integer(*this, child); m_masked = true; return true;
-    case EElement::MSB: m_msb = context.Integer(*this, child); m_masked = true; return true;
-    default: return CRegisterNode::ConfigureElement(context, id, child);
+  case EElement::Sign: {
+    const std::string_view text = CLoadContext::Text(child);
+    if (text == "Signed") m_signed = true;
+    else if (text == "Unsigned") m_signed = false;
+    else context.Fail(this, child, "unknown sign");
+    return true;
+  }
+  case EElement::Bit:
+    m_lsb = m_msb = context.Integer(*this, child);
+    m_masked = true;
+    return true;
+  case EElement::LSB:
+    m_lsb = context.Integer(*this, child);
+    m_masked = true;
+    return true;
+  case EElement::MSB:
+    m_msb = context.Integer(*this, child);
+    m_masked = true;
+    return true;
+  default: return CRegisterNode::ConfigureElement(context, id, child);
   }
 }
 
@@ -110,7 +116,8 @@ int64_t CIntRegNode::NativeMin() {
   const int64_t length = m_core.Length();
   Field(length < 1 || length > 8 ? 8 : length, shift, width);
   int64_t min = 0;
-  if (m_signed) min = width >= 64 ? std::numeric_limits<int64_t>::min() : -static_cast<int64_t>(uint64_t(1) << (width - 1));
+  if (m_signed)
+    min = width >= 64 ? std::numeric_limits<int64_t>::min() : -static_cast<int64_t>(uint64_t(1) << (width - 1));
   return min;
 }
 

@@ -14,25 +14,25 @@ namespace Engine {
 
 bool CIntegerBase::ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) {
   switch (id) {
-    case EElement::Unit: m_unit = std::string(CLoadContext::Text(child)); return true;
-    case EElement::Representation:
-      if (!ParseRepresentation(CLoadContext::Text(child), m_representation)) {
-        context.Fail(this, child, "unknown representation");
-      }
-      return true;
-    case EElement::ValidValueSet: {
-      std::string_view text = CLoadContext::Text(child);
-      while (!text.empty()) {
-        const size_t separator = text.find(';');
-        int64_t value = 0;
-        if (!ParseInteger(text.substr(0, separator), value)) context.Fail(this, child, "bad valid value");
-        m_validValues.push_back(value);
-        if (separator == std::string_view::npos) break;
-        text.remove_prefix(separator + 1);
-      }
-      return true;
+  case EElement::Unit: m_unit = std::string(CLoadContext::Text(child)); return true;
+  case EElement::Representation:
+    if (!ParseRepresentation(CLoadContext::Text(child), m_representation)) {
+      context.Fail(this, child, "unknown representation");
     }
-    default: return CValueNode::ConfigureElement(context, id, child);
+    return true;
+  case EElement::ValidValueSet: {
+    std::string_view text = CLoadContext::Text(child);
+    while (!text.empty()) {
+      const size_t separator = text.find(';');
+      int64_t value = 0;
+      if (!ParseInteger(text.substr(0, separator), value)) context.Fail(this, child, "bad valid value");
+      m_validValues.push_back(value);
+      if (separator == std::string_view::npos) break;
+      text.remove_prefix(separator + 1);
+    }
+    return true;
+  }
+  default: return CValueNode::ConfigureElement(context, id, child);
   }
 }
 

@@ -141,13 +141,13 @@ public:
   void ValueChanged();
 
   // Graph edges, filled by the loader.
-  std::vector<CNode*> m_readingChildren;  // nodes this node reads (value, address, access)
-  std::vector<CNode*> m_writingChildren;  // nodes this node writes
-  std::vector<CNode*> m_dependents;       // nodes that read this node
-  std::vector<CNode*> m_invalidators;     // pInvalidator entries of this node
-  std::vector<CNode*> m_invalidates;      // nodes that list this node as pInvalidator
-  std::vector<CNode*> m_selected;         // pSelected
-  std::vector<CNode*> m_selecting;        // nodes whose pSelected names this node
+  std::vector<CNode*> m_readingChildren;           // nodes this node reads (value, address, access)
+  std::vector<CNode*> m_writingChildren;           // nodes this node writes
+  std::vector<CNode*> m_dependents;                // nodes that read this node
+  std::vector<CNode*> m_invalidators;              // pInvalidator entries of this node
+  std::vector<CNode*> m_invalidates;               // nodes that list this node as pInvalidator
+  std::vector<CNode*> m_selected;                  // pSelected
+  std::vector<CNode*> m_selecting;                 // nodes whose pSelected names this node
   std::vector<CNode*>* m_pAddressGroup = nullptr;  // registers at the same fixed address of the same port
   std::vector<CNodeCallback*> m_callbacks;
   uint32_t m_visitEpoch = 0;

@@ -13,21 +13,21 @@ namespace Engine {
 
 bool CPortNode::ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) {
   switch (id) {
-    case EElement::ChunkID: {
-      std::string_view text = CLoadContext::Text(child);
-      if (text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) text.remove_prefix(2);
-      int64_t value = 0;
-      if (text.empty() || text.size() > 16 || !ParseInteger(std::string("0x") + std::string(text), value)) {
-        context.Fail(this, child, "bad chunk ID");
-      }
-      m_chunkID = static_cast<uint64_t>(value);
-      m_hasChunkID = true;
-      return true;
+  case EElement::ChunkID: {
+    std::string_view text = CLoadContext::Text(child);
+    if (text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) text.remove_prefix(2);
+    int64_t value = 0;
+    if (text.empty() || text.size() > 16 || !ParseInteger(std::string("0x") + std::string(text), value)) {
+      context.Fail(this, child, "bad chunk ID");
     }
-    case EElement::pChunkID: m_pChunkID = context.Resolve(*this, child); return true;
-    case EElement::SwapEndianess: m_swapEndianess = context.YesNo(*this, child); return true;
-    case EElement::CacheChunkData: context.YesNo(*this, child); return true;
-    default: return CNode::ConfigureElement(context, id, child);
+    m_chunkID = static_cast<uint64_t>(value);
+    m_hasChunkID = true;
+    return true;
+  }
+  case EElement::pChunkID: m_pChunkID = context.Resolve(*this, child); return true;
+  case EElement::SwapEndianess: m_swapEndianess = context.YesNo(*this, child); return true;
+  case EElement::CacheChunkData: context.YesNo(*this, child); return true;
+  default: return CNode::ConfigureElement(context, id, child);
   }
 }
 

@@ -37,63 +37,61 @@ uint64_t MaskOf(unsigned width) { return width >= 64 ? ~uint64_t(0) : ((uint64_t
 
 bool CRegisterCore::Configure(CNode& owner, CLoadContext& context, EElement id, const pugi::xml_node& child) {
   switch (id) {
-    case EElement::Address:
-      m_address = static_cast<int64_t>(static_cast<uint64_t>(m_address) +
-                                       static_cast<uint64_t>(context.Integer(owner, child)));
-      return true;
-    case EElement::IntSwissKnife:
-      m_pAddresses.push_back(context.CreateEmbeddedSwissKnife(owner, child));
-      return true;
-    case EElement::pAddress: m_pAddresses.push_back(context.Resolve(owner, child)); return true;
-    case EElement::pIndex: {
-      CIndexPart part{context.Resolve(owner, child), nullptr, 0, false};
-      if (const pugi::xml_attribute offset = child.attribute("Offset")) {
-        if (!ParseInteger(offset.value(), part.offset)) context.Fail(&owner, child, "bad Offset attribute");
-        part.hasOffset = true;
-      } else if (const pugi::xml_attribute pOffset = child.attribute("pOffset")) {
-        part.pOffset = context.ResolveName(owner, TrimSpaces(pOffset.value()), child);
-        part.hasOffset = true;
-      }
-      m_indexes.push_back(part);
-      return true;
+  case EElement::Address:
+    m_address =
+        static_cast<int64_t>(static_cast<uint64_t>(m_address) + static_cast<uint64_t>(context.Integer(owner, child)));
+    return true;
+  case EElement::IntSwissKnife: m_pAddresses.push_back(context.CreateEmbeddedSwissKnife(owner, child)); return true;
+  case EElement::pAddress: m_pAddresses.push_back(context.Resolve(owner, child)); return true;
+  case EElement::pIndex: {
+    CIndexPart part{context.Resolve(owner, child), nullptr, 0, false};
+    if (const pugi::xml_attribute offset = child.attribute("Offset")) {
+      if (!ParseInteger(offset.value(), part.offset)) context.Fail(&owner, child, "bad Offset attribute");
+      part.hasOffset = true;
+    } else if (const pugi::xml_attribute pOffset = child.attribute("pOffset")) {
+      part.pOffset = context.ResolveName(owner, TrimSpaces(pOffset.value()), child);
+      part.hasOffset = true;
     }
-    case EElement::Length:
-      m_length = context.Integer(owner, child);
-      m_hasLength = true;
-      if (m_length < 0 || m_length > kMaxRegisterLength) context.Fail(&owner, child, "register length out of range");
-      return true;
-    case EElement::pLength: m_pLength = context.Resolve(owner, child); return true;
-    case EElement::AccessMode: {
-      const std::string_view text = CLoadContext::Text(child);
-      if (text == "RO") m_accessMode = RO;
-      else if (text == "RW") m_accessMode = RW;
-      else if (text == "WO") m_accessMode = WO;
-      else context.Fail(&owner, child, "unknown access mode");
-      return true;
-    }
-    case EElement::pPort: {
-      CNode* port = context.Resolve(owner, child);
-      m_port = dynamic_cast<CPortNode*>(port);
-      if (m_port == nullptr) context.Fail(&owner, child, "pPort does not name a Port node");
-      return true;
-    }
-    case EElement::Cachable: {
-      const std::string_view text = CLoadContext::Text(child);
-      if (text == "NoCache") m_caching = NoCache;
-      else if (text == "WriteThrough") m_caching = WriteThrough;
-      else if (text == "WriteAround") m_caching = WriteAround;
-      else context.Fail(&owner, child, "unknown caching mode");
-      m_cachingSet = true;
-      return true;
-    }
-    case EElement::Endianess: {
-      const std::string_view text = CLoadContext::Text(child);
-      if (text == "LittleEndian") m_littleEndian = true;
-      else if (text == "BigEndian") m_littleEndian = false;
-      else context.Fail(&owner, child, "unknown endianness");
-      return true;
-    }
-    default: return false;
+    m_indexes.push_back(part);
+    return true;
+  }
+  case EElement::Length:
+    m_length = context.Integer(owner, child);
+    m_hasLength = true;
+    if (m_length < 0 || m_length > kMaxRegisterLength) context.Fail(&owner, child, "register length out of range");
+    return true;
+  case EElement::pLength: m_pLength = context.Resolve(owner, child); return true;
+  case EElement::AccessMode: {
+    const std::string_view text = CLoadContext::Text(child);
+    if (text == "RO") m_accessMode = RO;
+    else if (text == "RW") m_accessMode = RW;
+    else if (text == "WO") m_accessMode = WO;
+    else context.Fail(&owner, child, "unknown access mode");
+    return true;
+  }
+  case EElement::pPort: {
+    CNode* port = context.Resolve(owner, child);
+    m_port = dynamic_cast<CPortNode*>(port);
+    if (m_port == nullptr) context.Fail(&owner, child, "pPort does not name a Port node");
+    return true;
+  }
+  case EElement::Cachable: {
+    const std::string_view text = CLoadContext::Text(child);
+    if (text == "NoCache") m_caching = NoCache;
+    else if (text == "WriteThrough") m_caching = WriteThrough;
+    else if (text == "WriteAround") m_caching = WriteAround;
+    else context.Fail(&owner, child, "unknown caching mode");
+    m_cachingSet = true;
+    return true;
+  }
+  case EElement::Endianess: {
+    const std::string_view text = CLoadContext::Text(child);
+    if (text == "LittleEndian") m_littleEndian = true;
+    else if (text == "BigEndian") m_littleEndian = false;
+    else context.Fail(&owner, child, "unknown endianness");
+    return true;
+  }
+  default: return false;
   }
 }
 

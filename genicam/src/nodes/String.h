@@ -2,8 +2,8 @@
 // String: a text of its own or a pValue target.
 #include <string>
 
-#include "nodes/StringBase.h"
 #include "nodes/SourcedNode.h"
+#include "nodes/StringBase.h"
 
 namespace GenApi {
 namespace Engine {
@@ -16,7 +16,6 @@ public:
   bool ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) override;
   std::string GetStr(bool verify, bool ignoreCache) override;
   void SetStr(const std::string& value, bool verify) override;
-
 };
 
 }  // namespace Engine

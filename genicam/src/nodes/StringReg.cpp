@@ -23,8 +23,8 @@ void CStringRegNode::SetStr(const std::string& value, bool) {
   CDepthGuard depth(*this);
   const int64_t length = m_core.Length();
   if (static_cast<int64_t>(value.size()) > length) {
-    throw OUT_OF_RANGE_EXCEPTION("Node '%s': a string of %zu characters does not fit %" PRId64 " bytes",
-                                 m_name.c_str(), value.size(), length);
+    throw OUT_OF_RANGE_EXCEPTION("Node '%s': a string of %zu characters does not fit %" PRId64 " bytes", m_name.c_str(),
+                                 value.size(), length);
   }
   std::vector<uint8_t> bytes(static_cast<size_t>(length), 0);
   std::memcpy(bytes.data(), value.data(), value.size());

@@ -120,8 +120,9 @@ TEST(Converter, LinearConverterStepsByTheConvertedIncrement) {
 }
 
 TEST(IntConverter, EvaluatesIn64BitIntegers) {
-  CTestMap t("<IntConverter Name='C'><FormulaTo>FROM * 0x100000000</FormulaTo><FormulaFrom>TO / 0x100000000"
-             "</FormulaFrom><pValue>Raw</pValue></IntConverter><Integer Name='Raw'><Value>0x300000005</Value></Integer>");
+  CTestMap t(
+      "<IntConverter Name='C'><FormulaTo>FROM * 0x100000000</FormulaTo><FormulaFrom>TO / 0x100000000"
+      "</FormulaFrom><pValue>Raw</pValue></IntConverter><Integer Name='Raw'><Value>0x300000005</Value></Integer>");
   CIntegerPtr c(t.Node("C"));
   EXPECT_EQ(c->GetValue(), 3);
   c->SetValue(7);
@@ -129,15 +130,14 @@ TEST(IntConverter, EvaluatesIn64BitIntegers) {
 }
 
 TEST(Float, OverAnIndexedIntegerShowsTheSelectedNodesLimits) {
-  CTestMap t(
-      "<Integer Name='Binning'><pIndex>Mode</pIndex><pValueIndexed Index='0'>BinA</pValueIndexed>"
-      "<pValueIndexed Index='1'>BinB</pValueIndexed><pValueDefault>BinA</pValueDefault></Integer>"
-      "<Integer Name='Mode'><Value>0</Value></Integer>"
-      "<Integer Name='BinA'><Value>1</Value><Min>1</Min><Max>4</Max><Inc>1</Inc></Integer>"
-      "<Integer Name='BinB'><Value>2</Value><Min>2</Min><Max>8</Max><Inc>2</Inc></Integer>"
-      "<Float Name='BinningF'><pValue>Binning</pValue></Float>"
-      "<Float Name='IndexedF'><pIndex>Mode</pIndex><pValueIndexed Index='0'>BinA</pValueIndexed>"
-      "<pValueIndexed Index='1'>BinB</pValueIndexed></Float>");
+  CTestMap t("<Integer Name='Binning'><pIndex>Mode</pIndex><pValueIndexed Index='0'>BinA</pValueIndexed>"
+             "<pValueIndexed Index='1'>BinB</pValueIndexed><pValueDefault>BinA</pValueDefault></Integer>"
+             "<Integer Name='Mode'><Value>0</Value></Integer>"
+             "<Integer Name='BinA'><Value>1</Value><Min>1</Min><Max>4</Max><Inc>1</Inc></Integer>"
+             "<Integer Name='BinB'><Value>2</Value><Min>2</Min><Max>8</Max><Inc>2</Inc></Integer>"
+             "<Float Name='BinningF'><pValue>Binning</pValue></Float>"
+             "<Float Name='IndexedF'><pIndex>Mode</pIndex><pValueIndexed Index='0'>BinA</pValueIndexed>"
+             "<pValueIndexed Index='1'>BinB</pValueIndexed></Float>");
   CFloatPtr binning(t.Node("BinningF"));
   CFloatPtr indexed(t.Node("IndexedF"));
   for (CFloatPtr f : {binning, indexed}) {

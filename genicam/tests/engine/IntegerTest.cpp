@@ -275,10 +275,9 @@ TEST(Integer, IndexedValueFallsBackToTheDefaultNodesLimits) {
 }
 
 TEST(Integer, IndexedValueWithoutSelectionKeepsTheWholeRange) {
-  CTestMap t(
-      "<Integer Name='X'><pIndex>Mode</pIndex><pValueIndexed Index='1'>A</pValueIndexed></Integer>"
-      "<Integer Name='Mode'><Value>0</Value></Integer>"
-      "<Integer Name='A'><Value>3</Value><Min>2</Min><Max>5</Max></Integer>");
+  CTestMap t("<Integer Name='X'><pIndex>Mode</pIndex><pValueIndexed Index='1'>A</pValueIndexed></Integer>"
+             "<Integer Name='Mode'><Value>0</Value></Integer>"
+             "<Integer Name='A'><Value>3</Value><Min>2</Min><Max>5</Max></Integer>");
   CIntegerPtr x(t.Node("X"));
   EXPECT_EQ(x->GetMin(), std::numeric_limits<int64_t>::min());
   EXPECT_EQ(x->GetMax(), std::numeric_limits<int64_t>::max());

@@ -18,7 +18,7 @@ struct CBuffer {
   size_t size = 0;
   void* userPointer = nullptr;
   std::unique_ptr<uint8_t[]> owned;  // producer-allocated memory
-  size_t index = 0;                   // announce order
+  size_t index = 0;                  // announce order
   EState state = EState::Unqueued;
   // What the last fill left.
   bool newData = false;
@@ -26,8 +26,8 @@ struct CBuffer {
   bool dataLarger = false;
   SFrameJob job;
   size_t sizeFilled = 0;
-  uint64_t packets[3] = {0, 0, 0};   // GigE: packets received, resent, missing
+  uint64_t packets[3] = {0, 0, 0};  // GigE: packets received, resent, missing
   std::vector<GenTL::SINGLE_CHUNK_DATA> chunks;
 };
 
-} // namespace TalvirSim
+}  // namespace TalvirSim

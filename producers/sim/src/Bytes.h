@@ -36,4 +36,4 @@ inline uint64_t BitsFromDouble(double value) {
   return bits;
 }
 
-} // namespace TalvirSim
+}  // namespace TalvirSim

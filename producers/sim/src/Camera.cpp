@@ -86,14 +86,14 @@ std::string Hex(uint64_t value) {
 
 uint32_t FlavourCode(EFlavour flavour) { return static_cast<uint32_t>(flavour); }
 
-} // namespace
+}  // namespace
 
 CSimCamera::CSimCamera(const SConfig& library, const SDeviceConfig& config)
     : m_config(config), m_flavour(library.flavour), m_epoch(std::chrono::steady_clock::now()),
       m_registers(kRegisterFileSize, 0) {
   InitRegisters();
-  std::string xml =
-      SelectSection(EmbeddedXml("remote.xml"), "<!--@LINESCAN_BEGIN@-->", "<!--@LINESCAN_END@-->", m_config.lineScan);
+  std::string xml = SelectSection(EmbeddedXml("remote.xml"), "<!--@LINESCAN_BEGIN@-->", "<!--@LINESCAN_END@-->",
+                                  m_config.lineScan);
   xml = SelectSection(xml, "<!--@PIXEL_ENDIAN_BEGIN@-->", "<!--@PIXEL_ENDIAN_END@-->", m_config.pixelBigEndianNode);
   m_description = MakeDescription("TalvirSim" + m_config.model, xml, R::kDescriptionAddress, m_config.xmlZipped,
                                   m_config.urlScheme);
@@ -166,7 +166,9 @@ double CSimCamera::GetDoubleLE(uint64_t address) const {
   return DoubleFromBits(bits);
 }
 
-void CSimCamera::SetDoubleBE(uint64_t address, double value) { WriteBE64(&m_registers[address], BitsFromDouble(value)); }
+void CSimCamera::SetDoubleBE(uint64_t address, double value) {
+  WriteBE64(&m_registers[address], BitsFromDouble(value));
+}
 
 void CSimCamera::SetDoubleLE(uint64_t address, double value) {
   const uint64_t bits = BitsFromDouble(value);
@@ -231,8 +233,8 @@ void CSimCamera::Read(uint64_t address, void* buffer, size_t length) {
   }
   std::lock_guard<std::mutex> lock(m_mutex);
   if (address >= kRegisterFileSize || length > kRegisterFileSize - address) {
-    Fail(GenTL::GC_ERR_INVALID_ADDRESS, "no remote register at " + Hex(address) + " for " + std::to_string(length) +
-                                            " bytes");
+    Fail(GenTL::GC_ERR_INVALID_ADDRESS,
+         "no remote register at " + Hex(address) + " for " + std::to_string(length) + " bytes");
   }
   const uint32_t failAt = Get32(R::kSimReadFailAddress);
   if (failAt != kNone32 && failAt >= address && failAt < address + length) {
@@ -319,18 +321,11 @@ void CSimCamera::ApplyWrite(uint64_t address, const uint8_t* data, size_t length
   case R::kWidth:
     require(value >= 16 && value % 4 == 0 && value + Get32(R::kOffsetX) <= Get32(R::kWidthMax), "Width");
     break;
-  case R::kHeight:
-    require(value >= 1 && value + Get32(R::kOffsetY) <= Get32(R::kHeightMax), "Height");
-    break;
-  case R::kOffsetX:
-    require(value % 4 == 0 && value + Get32(R::kWidth) <= Get32(R::kWidthMax), "OffsetX");
-    break;
-  case R::kOffsetY:
-    require(value + Get32(R::kHeight) <= Get32(R::kHeightMax), "OffsetY");
-    break;
+  case R::kHeight: require(value >= 1 && value + Get32(R::kOffsetY) <= Get32(R::kHeightMax), "Height"); break;
+  case R::kOffsetX: require(value % 4 == 0 && value + Get32(R::kWidth) <= Get32(R::kWidthMax), "OffsetX"); break;
+  case R::kOffsetY: require(value + Get32(R::kHeight) <= Get32(R::kHeightMax), "OffsetY"); break;
   case R::kPixelFormat:
-    require(std::find(m_config.pixelFormats.begin(), m_config.pixelFormats.end(), value) !=
-                m_config.pixelFormats.end(),
+    require(std::find(m_config.pixelFormats.begin(), m_config.pixelFormats.end(), value) != m_config.pixelFormats.end(),
             "PixelFormat (not offered)");
     break;
   case R::kTLParamsLocked:
@@ -345,26 +340,14 @@ void CSimCamera::ApplyWrite(uint64_t address, const uint8_t* data, size_t length
   case R::kTriggerModeBase + 4:
   case R::kTriggerSourceBase:
   case R::kTriggerSourceBase + 4:
-  case R::kTriggerSelector:
-    require(value <= 1, "flag");
-    break;
+  case R::kTriggerSelector: require(value <= 1, "flag"); break;
   case R::kAcquisitionMode:
   case R::kPartialImageOutputMode:
-  case R::kChunkSelector:
-    require(value <= 2, "selector");
-    break;
-  case R::kEventSelector:
-    require(value == 0, "EventSelector");
-    break;
-  case R::kAcquisitionFrameCount:
-    require(value >= 1, "AcquisitionFrameCount");
-    break;
-  case R::kGainRaw:
-    require(value <= 480, "GainRaw");
-    break;
-  case R::kBlackLevelRaw:
-    require(value <= 255, "BlackLevelRaw");
-    break;
+  case R::kChunkSelector: require(value <= 2, "selector"); break;
+  case R::kEventSelector: require(value == 0, "EventSelector"); break;
+  case R::kAcquisitionFrameCount: require(value >= 1, "AcquisitionFrameCount"); break;
+  case R::kGainRaw: require(value <= 480, "GainRaw"); break;
+  case R::kBlackLevelRaw: require(value <= 255, "BlackLevelRaw"); break;
   case R::kGevSCPSPacketSize: {
     const uint32_t minimum = Get32(R::kGevSCPSPacketSizeMin);
     const uint32_t increment = std::max<uint32_t>(1, Get32(R::kGevSCPSPacketSizeInc));
@@ -372,8 +355,7 @@ void CSimCamera::ApplyWrite(uint64_t address, const uint8_t* data, size_t length
             "GevSCPSPacketSize");
     break;
   }
-  default:
-    break;
+  default: break;
   }
   if (entry->flags & kCommand) {
     if (value == 0) {
@@ -398,20 +380,15 @@ void CSimCamera::ApplyWrite(uint64_t address, const uint8_t* data, size_t length
         after.push_back([this] { CallWake(); });
       }
       break;
-    case R::kTimestampLatch:
-      WriteBE64(&m_registers[R::kTimestampLatchValue], NowTicks());
-      break;
-    case R::kSimDeviceLost:
-      after.push_back([this] { Lose("lost on request (SimDeviceLost)"); });
-      break;
+    case R::kTimestampLatch: WriteBE64(&m_registers[R::kTimestampLatchValue], NowTicks()); break;
+    case R::kSimDeviceLost: after.push_back([this] { Lose("lost on request (SimDeviceLost)"); }); break;
     case R::kSimFireEvent: {
       const uint64_t frameId = m_lastFrameId;
       const uint64_t now = NowTicks();
       after.push_back([this, frameId, now] { FireExposureEnd(frameId, now); });
       break;
     }
-    default:
-      break;
+    default: break;
     }
     return;  // command registers read back as 0: the command is done at once
   }
@@ -425,4 +402,4 @@ void CSimCamera::ApplyWrite(uint64_t address, const uint8_t* data, size_t length
   }
 }
 
-} // namespace TalvirSim
+}  // namespace TalvirSim

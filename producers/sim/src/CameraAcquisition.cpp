@@ -51,8 +51,7 @@ void CSimCamera::Open(GenTL::DEVICE_ACCESS_FLAGS flags) {
       Fail(GenTL::GC_ERR_ACCESS_DENIED, "the device " + m_config.id + " can only be opened read-only");
     }
     break;
-  default:
-    break;
+  default: break;
   }
   if (m_open) {
     Fail(GenTL::GC_ERR_RESOURCE_IN_USE, "the device " + m_config.id + " is already open");
@@ -192,8 +191,7 @@ bool CSimCamera::StartFrameLocked(SFrameJob& job) {
   job.incomplete = every != 0 && job.frameId % every == 0;
   job.lateByMs = Get32(R::kSimLateFrameId) == job.frameId ? Get32(R::kSimLateByMs) : 0;
   const auto now = std::chrono::steady_clock::now();
-  job.timestampNs = static_cast<uint64_t>(
-      std::chrono::duration_cast<std::chrono::nanoseconds>(now - m_epoch).count());
+  job.timestampNs = static_cast<uint64_t>(std::chrono::duration_cast<std::chrono::nanoseconds>(now - m_epoch).count());
   job.timestamp = NowTicks();
   return true;
 }
@@ -225,15 +223,15 @@ void CSimCamera::FireExposureEnd(uint64_t frameId, uint64_t timestamp) {
   auto put16 = [&](size_t at, uint16_t v) { std::memcpy(&packet[at], &v, 2); };
   auto put32 = [&](size_t at, uint32_t v) { std::memcpy(&packet[at], &v, 4); };
   auto put64 = [&](size_t at, uint64_t v) { std::memcpy(&packet[at], &v, 8); };
-  packet[0] = 0x42;                                        // key
-  packet[1] = extended ? 0x10 : 0x00;                      // flags: extended IDs
-  put16(2, 0x00C2);                                        // event-data command
-  put16(8, 0);                                             // reserved
+  packet[0] = 0x42;                    // key
+  packet[1] = extended ? 0x10 : 0x00;  // flags: extended IDs
+  put16(2, 0x00C2);                    // event-data command
+  put16(8, 0);                         // reserved
   put16(10, R::kEventIdExposureEnd);
-  put16(12, 0);                                            // stream channel
-  put16(14, static_cast<uint16_t>(frameId & 0xFFFF));      // block ID (16 bits)
+  put16(12, 0);                                        // stream channel
+  put16(14, static_cast<uint16_t>(frameId & 0xFFFF));  // block ID (16 bits)
   if (extended) {
-    put64(16, frameId);                                    // block ID (64 bits)
+    put64(16, frameId);  // block ID (64 bits)
     put32(24, static_cast<uint32_t>(timestamp >> 32));
     put32(28, static_cast<uint32_t>(timestamp));
   } else {
@@ -244,8 +242,8 @@ void CSimCamera::FireExposureEnd(uint64_t frameId, uint64_t timestamp) {
   WriteBE64(data, frameId);
   WriteBE64(data + 8, timestamp);
   packet.insert(packet.end(), data, data + sizeof data);
-  put16(4, static_cast<uint16_t>(packet.size() - 8));     // length after the header
+  put16(4, static_cast<uint16_t>(packet.size() - 8));  // length after the header
   Fire(GenTL::EVENT_REMOTE_DEVICE, std::move(packet));
 }
 
-} // namespace TalvirSim
+}  // namespace TalvirSim

@@ -25,8 +25,8 @@ struct SFaultConfig {
   uint32_t incompleteEveryN = 0;          // every Nth frame (by frame ID) is incomplete
   uint64_t lateFrameId = 0;               // this frame is delivered lateByMs late
   uint32_t lateByMs = 0;
-  uint64_t loseAfterFrames = 0;           // the device is lost once this many frames were delivered
-  bool failDeviceRecord = false;          // IFGetDeviceInfo command 1001 fails
+  uint64_t loseAfterFrames = 0;   // the device is lost once this many frames were delivered
+  bool failDeviceRecord = false;  // IFGetDeviceInfo command 1001 fails
 };
 
 struct SCustomInfo {
@@ -47,11 +47,11 @@ struct SDeviceConfig {
   uint64_t timestampFrequency = 1000000000;
   uint32_t sensorWidth = 640;
   uint32_t sensorHeight = 480;
-  uint32_t width = 0;   // 0: the sensor size
+  uint32_t width = 0;  // 0: the sensor size
   uint32_t height = 0;
   std::vector<uint32_t> pixelFormats;  // PFNC codes; the first is the initial format unless pixelFormat is set
   uint32_t pixelFormat = 0;
-  double frameRate = 100.0;    // 0: as fast as buffers allow
+  double frameRate = 100.0;  // 0: as fast as buffers allow
   double exposureTime = 1000.0;
   bool lineScan = false;
   double lineRate = 10000.0;
@@ -67,7 +67,7 @@ struct SDeviceConfig {
   uint32_t packetSizeMin = 576;
   uint32_t packetSizeMax = 9000;
   uint32_t packetSizeInc = 4;
-  std::string ip;       // GigE: device address, subnet mask, gateway, host address, MAC, interface text
+  std::string ip;  // GigE: device address, subnet mask, gateway, host address, MAC, interface text
   std::string subnet = "255.255.255.0";
   std::string gateway;
   std::string hostIp;
@@ -109,4 +109,4 @@ SConfig ParseConfig(const std::string& jsonText, EFlavour flavour, const std::st
 // "<modulePath>.json" when it exists, else the defaults. Throws std::runtime_error on a bad or unreadable file.
 SConfig LoadConfig(const std::string& modulePath);
 
-} // namespace TalvirSim
+}  // namespace TalvirSim

@@ -17,19 +17,15 @@ using Clock = std::chrono::steady_clock;
 
 const char* StateName(CBuffer::EState state) {
   switch (state) {
-  case CBuffer::EState::Input:
-    return "queued";
-  case CBuffer::EState::Filling:
-    return "being filled";
-  case CBuffer::EState::Output:
-    return "awaiting delivery";
-  case CBuffer::EState::Unqueued:
-    break;
+  case CBuffer::EState::Input: return "queued";
+  case CBuffer::EState::Filling: return "being filled";
+  case CBuffer::EState::Output: return "awaiting delivery";
+  case CBuffer::EState::Unqueued: break;
   }
   return "not queued";
 }
 
-} // namespace
+}  // namespace
 
 CDataStream::CDataStream(std::shared_ptr<CDevice> device, std::string id)
     : m_device(std::move(device)), m_camera(m_device->CameraPtr()), m_id(std::move(id)) {
@@ -222,9 +218,7 @@ void CDataStream::Flush(GenTL::ACQ_QUEUE_TYPE operation) {
     }
     m_input.clear();
     break;
-  case GenTL::ACQ_QUEUE_OUTPUT_DISCARD:
-    toUnqueued(m_output);
-    break;
+  case GenTL::ACQ_QUEUE_OUTPUT_DISCARD: toUnqueued(m_output); break;
   case GenTL::ACQ_QUEUE_ALL_TO_INPUT:
     for (CBuffer* buffer : m_output) {
       buffer->state = CBuffer::EState::Input;
@@ -244,8 +238,7 @@ void CDataStream::Flush(GenTL::ACQ_QUEUE_TYPE operation) {
     toUnqueued(m_input);
     toUnqueued(m_output);
     break;
-  default:
-    Fail(GenTL::GC_ERR_INVALID_PARAMETER, "unknown flush operation " + std::to_string(operation));
+  default: Fail(GenTL::GC_ERR_INVALID_PARAMETER, "unknown flush operation " + std::to_string(operation));
   }
   if (!m_input.empty()) {
     m_generatorCv.notify_all();
@@ -438,4 +431,4 @@ void CDataStream::Generate() {
   m_consumerCv.notify_all();
 }
 
-} // namespace TalvirSim
+}  // namespace TalvirSim

@@ -90,4 +90,4 @@ private:
   bool m_closed = false;
 };
 
-} // namespace TalvirSim
+}  // namespace TalvirSim

@@ -15,7 +15,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-} // namespace
+}  // namespace
 
 bool CDataStream::InputSufficientLocked() const {
   // Waking the generator for every returned buffer costs a thread switch per frame; a few at a time is cheaper, but
@@ -98,7 +98,8 @@ void CDataStream::WaitNewBuffer(void* out, size_t* size, uint64_t timeoutMs) {
   }
   std::unique_lock<std::mutex> lock(m_mutex);
   const bool forever = timeoutMs >= 0xFFFFFFFFull;
-  const Clock::time_point deadline = forever ? Clock::time_point::max() : Clock::now() + std::chrono::milliseconds(timeoutMs);
+  const Clock::time_point deadline = forever ? Clock::time_point::max()
+                                             : Clock::now() + std::chrono::milliseconds(timeoutMs);
   for (;;) {
     if (m_waitShutdown) {
       Fail(GenTL::GC_ERR_ABORT, "the new-buffer event was unregistered");
@@ -174,14 +175,10 @@ uint64_t CDataStream::Delivered() {
 void CDataStream::GetInfo(GenTL::STREAM_INFO_CMD command, const SInfoOut& out) {
   std::unique_lock<std::mutex> lock(m_mutex);
   switch (command) {
-  case GenTL::STREAM_INFO_ID:
-    return PutString(out, m_id);
-  case GenTL::STREAM_INFO_NUM_DELIVERED:
-    return PutU64(out, m_delivered);
-  case GenTL::STREAM_INFO_NUM_UNDERRUN:
-    return PutU64(out, m_underruns);
-  case GenTL::STREAM_INFO_NUM_ANNOUNCED:
-    return PutSize(out, m_buffers.size());
+  case GenTL::STREAM_INFO_ID: return PutString(out, m_id);
+  case GenTL::STREAM_INFO_NUM_DELIVERED: return PutU64(out, m_delivered);
+  case GenTL::STREAM_INFO_NUM_UNDERRUN: return PutU64(out, m_underruns);
+  case GenTL::STREAM_INFO_NUM_ANNOUNCED: return PutSize(out, m_buffers.size());
   case GenTL::STREAM_INFO_NUM_QUEUED: {
     size_t queued = m_input.size();
     for (const auto& buffer : m_buffers) {
@@ -189,38 +186,28 @@ void CDataStream::GetInfo(GenTL::STREAM_INFO_CMD command, const SInfoOut& out) {
     }
     return PutSize(out, queued);
   }
-  case GenTL::STREAM_INFO_NUM_AWAIT_DELIVERY:
-    return PutSize(out, m_output.size());
-  case GenTL::STREAM_INFO_NUM_STARTED:
-    return PutU64(out, m_started);
-  case GenTL::STREAM_INFO_PAYLOAD_SIZE:
-    lock.unlock();
-    return PutSize(out, m_camera->PayloadSize());
-  case GenTL::STREAM_INFO_IS_GRABBING:
-    return PutBool(out, m_running && !m_generatorDone);
+  case GenTL::STREAM_INFO_NUM_AWAIT_DELIVERY: return PutSize(out, m_output.size());
+  case GenTL::STREAM_INFO_NUM_STARTED: return PutU64(out, m_started);
+  case GenTL::STREAM_INFO_PAYLOAD_SIZE: lock.unlock(); return PutSize(out, m_camera->PayloadSize());
+  case GenTL::STREAM_INFO_IS_GRABBING: return PutBool(out, m_running && !m_generatorDone);
   case GenTL::STREAM_INFO_DEFINES_PAYLOADSIZE:
     return PutBool(out, Lib().Config().flavour == EFlavour::CXP || Lib().Config().flavour == EFlavour::CL);
-  case GenTL::STREAM_INFO_TLTYPE:
-    return PutString(out, Lib().Config().tlType);
-  case GenTL::STREAM_INFO_NUM_CHUNKS_MAX:
-    return PutSize(out, 3);
-  case GenTL::STREAM_INFO_BUF_ANNOUNCE_MIN:
-    return PutSize(out, m_camera->Config().bufferAnnounceMin);
-  case GenTL::STREAM_INFO_BUF_ALIGNMENT:
-    return PutSize(out, 1);
+  case GenTL::STREAM_INFO_TLTYPE: return PutString(out, Lib().Config().tlType);
+  case GenTL::STREAM_INFO_NUM_CHUNKS_MAX: return PutSize(out, 3);
+  case GenTL::STREAM_INFO_BUF_ANNOUNCE_MIN: return PutSize(out, m_camera->Config().bufferAnnounceMin);
+  case GenTL::STREAM_INFO_BUF_ALIGNMENT: return PutSize(out, 1);
   case GenTL::STREAM_INFO_FLOW_TABLE:
   case GenTL::STREAM_INFO_GENDC_PREFETCH_DESCRIPTOR:
     Fail(GenTL::GC_ERR_NOT_AVAILABLE, "the stream has no flows and no GenDC descriptor");
-  default:
-    Fail(GenTL::GC_ERR_INVALID_ID, "unknown stream info command " + std::to_string(command));
+  default: Fail(GenTL::GC_ERR_INVALID_ID, "unknown stream info command " + std::to_string(command));
   }
 }
 
 GenTL::BUFFER_HANDLE CDataStream::BufferId(uint32_t index) {
   std::lock_guard<std::mutex> lock(m_mutex);
   if (index >= m_buffers.size()) {
-    Fail(GenTL::GC_ERR_INVALID_INDEX, "buffer index " + std::to_string(index) + " of " +
-                                          std::to_string(m_buffers.size()));
+    Fail(GenTL::GC_ERR_INVALID_INDEX,
+         "buffer index " + std::to_string(index) + " of " + std::to_string(m_buffers.size()));
   }
   return m_buffers[index].get();
 }
@@ -231,27 +218,18 @@ void CDataStream::BufferInfo(GenTL::BUFFER_HANDLE handle, GenTL::BUFFER_INFO_CMD
   const SFrameJob& job = buffer.job;
   const bool filled = buffer.newData;
   switch (command) {
-  case GenTL::BUFFER_INFO_BASE:
-    return PutPtr(out, buffer.base);
-  case GenTL::BUFFER_INFO_SIZE:
-    return PutSize(out, buffer.size);
-  case GenTL::BUFFER_INFO_USER_PTR:
-    return PutPtr(out, buffer.userPointer);
-  case GenTL::BUFFER_INFO_TIMESTAMP:
-    return PutU64(out, filled ? job.timestamp : 0);
-  case GenTL::BUFFER_INFO_NEW_DATA:
-    return PutBool(out, filled);
+  case GenTL::BUFFER_INFO_BASE: return PutPtr(out, buffer.base);
+  case GenTL::BUFFER_INFO_SIZE: return PutSize(out, buffer.size);
+  case GenTL::BUFFER_INFO_USER_PTR: return PutPtr(out, buffer.userPointer);
+  case GenTL::BUFFER_INFO_TIMESTAMP: return PutU64(out, filled ? job.timestamp : 0);
+  case GenTL::BUFFER_INFO_NEW_DATA: return PutBool(out, filled);
   case GenTL::BUFFER_INFO_IS_QUEUED:
     return PutBool(out, buffer.state == CBuffer::EState::Input || buffer.state == CBuffer::EState::Filling);
-  case GenTL::BUFFER_INFO_IS_ACQUIRING:
-    return PutBool(out, buffer.state == CBuffer::EState::Filling);
-  case GenTL::BUFFER_INFO_IS_INCOMPLETE:
-    return PutBool(out, filled && buffer.incomplete);
-  case GenTL::BUFFER_INFO_TLTYPE:
-    return PutString(out, Lib().Config().tlType);
+  case GenTL::BUFFER_INFO_IS_ACQUIRING: return PutBool(out, buffer.state == CBuffer::EState::Filling);
+  case GenTL::BUFFER_INFO_IS_INCOMPLETE: return PutBool(out, filled && buffer.incomplete);
+  case GenTL::BUFFER_INFO_TLTYPE: return PutString(out, Lib().Config().tlType);
   case GenTL::BUFFER_INFO_SIZE_FILLED:
-  case GenTL::BUFFER_INFO_DATA_SIZE:
-    return PutSize(out, filled ? buffer.sizeFilled : 0);
+  case GenTL::BUFFER_INFO_DATA_SIZE: return PutSize(out, filled ? buffer.sizeFilled : 0);
   case GenTL::BUFFER_INFO_WIDTH:
     if (m_camera->Config().legacyChunkPayload) {
       return PutSize(out, 0xFFFFFFFF);  // no geometry: the consumer knows the width itself
@@ -262,26 +240,18 @@ void CDataStream::BufferInfo(GenTL::BUFFER_HANDLE handle, GenTL::BUFFER_INFO_CMD
       return PutSize(out, filled ? buffer.sizeFilled : 0);  // the byte count, reported as height
     }
     return PutSize(out, filled && !m_camera->Config().zeroBufferHeight ? job.height : 0);
-  case GenTL::BUFFER_INFO_XOFFSET:
-    return PutSize(out, filled ? job.offsetX : 0);
-  case GenTL::BUFFER_INFO_YOFFSET:
-    return PutSize(out, filled ? job.offsetY : 0);
+  case GenTL::BUFFER_INFO_XOFFSET: return PutSize(out, filled ? job.offsetX : 0);
+  case GenTL::BUFFER_INFO_YOFFSET: return PutSize(out, filled ? job.offsetY : 0);
   case GenTL::BUFFER_INFO_XPADDING:
-  case GenTL::BUFFER_INFO_YPADDING:
-    return PutSize(out, 0);
-  case GenTL::BUFFER_INFO_FRAMEID:
-    return PutU64(out, filled ? job.frameId : 0);
-  case GenTL::BUFFER_INFO_IMAGEPRESENT:
-    return PutBool(out, filled);
-  case GenTL::BUFFER_INFO_IMAGEOFFSET:
-    return PutSize(out, 0);
+  case GenTL::BUFFER_INFO_YPADDING: return PutSize(out, 0);
+  case GenTL::BUFFER_INFO_FRAMEID: return PutU64(out, filled ? job.frameId : 0);
+  case GenTL::BUFFER_INFO_IMAGEPRESENT: return PutBool(out, filled);
+  case GenTL::BUFFER_INFO_IMAGEOFFSET: return PutSize(out, 0);
   case GenTL::BUFFER_INFO_PAYLOADTYPE:
-    return PutSize(out, m_camera->Config().legacyChunkPayload ? GenTL::PAYLOAD_TYPE_CHUNK_DATA
-                                                              : GenTL::PAYLOAD_TYPE_IMAGE);
-  case GenTL::BUFFER_INFO_PIXELFORMAT:
-    return PutU64(out, filled && job.format ? job.format->code : 0);
-  case GenTL::BUFFER_INFO_PIXELFORMAT_NAMESPACE:
-    return PutU64(out, GenTL::PIXELFORMAT_NAMESPACE_PFNC_32BIT);
+    return PutSize(out,
+                   m_camera->Config().legacyChunkPayload ? GenTL::PAYLOAD_TYPE_CHUNK_DATA : GenTL::PAYLOAD_TYPE_IMAGE);
+  case GenTL::BUFFER_INFO_PIXELFORMAT: return PutU64(out, filled && job.format ? job.format->code : 0);
+  case GenTL::BUFFER_INFO_PIXELFORMAT_NAMESPACE: return PutU64(out, GenTL::PIXELFORMAT_NAMESPACE_PFNC_32BIT);
   case GenTL::BUFFER_INFO_DELIVERED_IMAGEHEIGHT:
     return PutSize(out, !filled ? 0 : buffer.incomplete && job.width > 0 ? job.height / 2 : job.height);
   case GenTL::BUFFER_INFO_DELIVERED_CHUNKPAYLOADSIZE:
@@ -289,20 +259,13 @@ void CDataStream::BufferInfo(GenTL::BUFFER_HANDLE handle, GenTL::BUFFER_INFO_CMD
   case GenTL::BUFFER_INFO_CHUNKLAYOUTID:
     return PutU64(out, uint64_t{job.chunkEnabled[0]} | uint64_t{job.chunkEnabled[1]} << 1 |
                            uint64_t{job.chunkEnabled[2]} << 2);
-  case GenTL::BUFFER_INFO_FILENAME:
-    Fail(GenTL::GC_ERR_NOT_AVAILABLE, "image buffers carry no file name");
-  case GenTL::BUFFER_INFO_PIXEL_ENDIANNESS:
-    return PutI32(out, GenTL::PIXELENDIANNESS_LITTLE);
-  case GenTL::BUFFER_INFO_TIMESTAMP_NS:
-    return PutU64(out, filled ? job.timestampNs : 0);
-  case GenTL::BUFFER_INFO_DATA_LARGER_THAN_BUFFER:
-    return PutBool(out, filled && buffer.dataLarger);
-  case GenTL::BUFFER_INFO_CONTAINS_CHUNKDATA:
-    return PutBool(out, filled && job.chunkMode);
-  case GenTL::BUFFER_INFO_IS_COMPOSITE:
-    return PutBool(out, false);
-  default:
-    break;
+  case GenTL::BUFFER_INFO_FILENAME: Fail(GenTL::GC_ERR_NOT_AVAILABLE, "image buffers carry no file name");
+  case GenTL::BUFFER_INFO_PIXEL_ENDIANNESS: return PutI32(out, GenTL::PIXELENDIANNESS_LITTLE);
+  case GenTL::BUFFER_INFO_TIMESTAMP_NS: return PutU64(out, filled ? job.timestampNs : 0);
+  case GenTL::BUFFER_INFO_DATA_LARGER_THAN_BUFFER: return PutBool(out, filled && buffer.dataLarger);
+  case GenTL::BUFFER_INFO_CONTAINS_CHUNKDATA: return PutBool(out, filled && job.chunkMode);
+  case GenTL::BUFFER_INFO_IS_COMPOSITE: return PutBool(out, false);
+  default: break;
   }
   if (command >= 1001 && command <= 1003 && Lib().Config().flavour == EFlavour::GEV) {
     return PutU64(out, filled ? buffer.packets[command - 1001] : 0);
@@ -326,8 +289,8 @@ void CDataStream::ChunkData(GenTL::BUFFER_HANDLE handle, GenTL::SINGLE_CHUNK_DAT
   if (*count < buffer.chunks.size()) {
     const size_t given = *count;
     *count = buffer.chunks.size();
-    Fail(GenTL::GC_ERR_BUFFER_TOO_SMALL, std::to_string(buffer.chunks.size()) + " chunks, room for " +
-                                             std::to_string(given));
+    Fail(GenTL::GC_ERR_BUFFER_TOO_SMALL,
+         std::to_string(buffer.chunks.size()) + " chunks, room for " + std::to_string(given));
   }
   std::copy(buffer.chunks.begin(), buffer.chunks.end(), chunks);
   *count = buffer.chunks.size();
@@ -355,4 +318,4 @@ void CDataStream::Close() {
 }
 
 
-} // namespace TalvirSim
+}  // namespace TalvirSim

@@ -73,4 +73,4 @@ SDescription ModuleDescription(const std::string& baseName, const std::string& x
   return MakeDescription(baseName, xml, kModuleDescriptionAddress, false, "local:");
 }
 
-} // namespace TalvirSim
+}  // namespace TalvirSim

@@ -7,9 +7,9 @@
 namespace TalvirSim {
 
 struct SDescription {
-  std::string fileName;     // "TalvirSimSystem.xml" or ".zip"
-  std::vector<char> data;   // XML text, or the ZIP archive
-  uint64_t address = 0;     // where data starts in the module's register space
+  std::string fileName;    // "TalvirSimSystem.xml" or ".zip"
+  std::vector<char> data;  // XML text, or the ZIP archive
+  uint64_t address = 0;    // where data starts in the module's register space
   std::string scheme = "local:";
   uint32_t schemaMajor = 1;
   uint32_t schemaMinor = 1;
@@ -40,4 +40,4 @@ std::string SelectSection(std::string text, const std::string& begin, const std:
 // Replaces every occurrence of `marker` in `text`.
 std::string ReplaceMarker(std::string text, const std::string& marker, const std::string& replacement);
 
-} // namespace TalvirSim
+}  // namespace TalvirSim

@@ -20,12 +20,11 @@ std::string PixelFormatEntries() {
   return entries;
 }
 
-} // namespace
+}  // namespace
 
 CDevice::CDevice(std::shared_ptr<CInterface> parent, std::shared_ptr<CSimCamera> camera,
                  GenTL::DEVICE_ACCESS_FLAGS flags)
-    : m_interface(std::move(parent)), m_camera(std::move(camera)),
-      m_writable(flags != GenTL::DEVICE_ACCESS_READONLY) {
+    : m_interface(std::move(parent)), m_camera(std::move(camera)), m_writable(flags != GenTL::DEVICE_ACCESS_READONLY) {
   const EFlavour flavour = Lib().Config().flavour;
   std::string xml = EmbeddedXml("device.xml");
   std::string features;
@@ -150,4 +149,4 @@ void CDevice::Close() {
   m_interface->DeviceClosed(m_camera->Config().id);
 }
 
-} // namespace TalvirSim
+}  // namespace TalvirSim

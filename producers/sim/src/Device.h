@@ -48,4 +48,4 @@ private:
   bool m_closed = false;
 };
 
-} // namespace TalvirSim
+}  // namespace TalvirSim

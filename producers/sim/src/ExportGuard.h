@@ -14,7 +14,8 @@
 
 namespace TalvirSim {
 
-template <typename TBody> GenTL::GC_ERROR Guarded(TBody&& body) {
+template <typename TBody>
+GenTL::GC_ERROR Guarded(TBody&& body) {
   try {
     body();
     return GenTL::GC_ERR_SUCCESS;
@@ -33,7 +34,8 @@ template <typename TBody> GenTL::GC_ERROR Guarded(TBody&& body) {
   }
 }
 
-template <typename T> void RequireOut(T* pointer, const char* what) {
+template <typename T>
+void RequireOut(T* pointer, const char* what) {
   if (pointer == nullptr) {
     Fail(GenTL::GC_ERR_INVALID_PARAMETER, std::string("null ") + what);
   }
@@ -48,4 +50,4 @@ inline std::string RequireId(const char* id, const char* what) {
 
 inline void RequireSize(size_t* size) { RequireOut(size, "size pointer"); }
 
-} // namespace TalvirSim
+}  // namespace TalvirSim

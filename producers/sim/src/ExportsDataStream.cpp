@@ -16,18 +16,18 @@ using TalvirSim::CRemotePort;
 using TalvirSim::CSystem;
 using TalvirSim::Fail;
 using TalvirSim::Guarded;
+using TalvirSim::Lib;
 using TalvirSim::RequireId;
 using TalvirSim::RequireOut;
 using TalvirSim::RequireSize;
-using TalvirSim::Lib;
 using TalvirSim::SInfoOut;
 
 extern "C" {
 
 // ---- Data stream ----
 
-GC_API_EXPORT GC_ERROR GC_CALLTYPE DSAnnounceBuffer(DS_HANDLE hDataStream, void* pBuffer, size_t iSize,
-                                                    void* pPrivate, BUFFER_HANDLE* phBuffer) {
+GC_API_EXPORT GC_ERROR GC_CALLTYPE DSAnnounceBuffer(DS_HANDLE hDataStream, void* pBuffer, size_t iSize, void* pPrivate,
+                                                    BUFFER_HANDLE* phBuffer) {
   return Guarded([&] {
     auto stream = Lib().Get<CDataStream>(hDataStream, "data stream");
     RequireOut(phBuffer, "buffer handle pointer");
@@ -59,8 +59,9 @@ GC_API_EXPORT GC_ERROR GC_CALLTYPE DSStopAcquisition(DS_HANDLE hDataStream, ACQ_
 
 GC_API_EXPORT GC_ERROR GC_CALLTYPE DSGetInfo(DS_HANDLE hDataStream, STREAM_INFO_CMD iInfoCmd, INFO_DATATYPE* piType,
                                              void* pBuffer, size_t* piSize) {
-  return Guarded(
-      [&] { Lib().Get<CDataStream>(hDataStream, "data stream")->GetInfo(iInfoCmd, {piType, pBuffer, piSize}); });
+  return Guarded([&] {
+    Lib().Get<CDataStream>(hDataStream, "data stream")->GetInfo(iInfoCmd, {piType, pBuffer, piSize});
+  });
 }
 
 GC_API_EXPORT GC_ERROR GC_CALLTYPE DSGetBufferID(DS_HANDLE hDataStream, uint32_t iIndex, BUFFER_HANDLE* phBuffer) {
@@ -187,4 +188,4 @@ GC_API_EXPORT void GC_CALLTYPE SetU3VCameraStatusCallback(void (*callback)(const
   Lib().SetStatusCallback(callback);
 }
 
-} // extern "C"
+}  // extern "C"

@@ -16,10 +16,10 @@ using TalvirSim::CRemotePort;
 using TalvirSim::CSystem;
 using TalvirSim::Fail;
 using TalvirSim::Guarded;
+using TalvirSim::Lib;
 using TalvirSim::RequireId;
 using TalvirSim::RequireOut;
 using TalvirSim::RequireSize;
-using TalvirSim::Lib;
 using TalvirSim::SInfoOut;
 
 extern "C" {
@@ -76,4 +76,4 @@ GC_API_EXPORT GC_ERROR GC_CALLTYPE DevGetParentIF(DEV_HANDLE hDevice, IF_HANDLE*
   });
 }
 
-} // extern "C"
+}  // extern "C"

@@ -16,10 +16,10 @@ using TalvirSim::CRemotePort;
 using TalvirSim::CSystem;
 using TalvirSim::Fail;
 using TalvirSim::Guarded;
+using TalvirSim::Lib;
 using TalvirSim::RequireId;
 using TalvirSim::RequireOut;
 using TalvirSim::RequireSize;
-using TalvirSim::Lib;
 using TalvirSim::SInfoOut;
 
 extern "C" {
@@ -43,8 +43,7 @@ GC_API_EXPORT GC_ERROR GC_CALLTYPE IFGetNumDevices(IF_HANDLE hIface, uint32_t* p
   });
 }
 
-GC_API_EXPORT GC_ERROR GC_CALLTYPE IFGetDeviceID(IF_HANDLE hIface, uint32_t iIndex, char* sIDeviceID,
-                                                 size_t* piSize) {
+GC_API_EXPORT GC_ERROR GC_CALLTYPE IFGetDeviceID(IF_HANDLE hIface, uint32_t iIndex, char* sIDeviceID, size_t* piSize) {
   return Guarded([&] {
     auto iface = Lib().Get<CInterface>(hIface, "interface");
     TalvirSim::PutIdString(sIDeviceID, piSize, iface->DeviceId(iIndex));
@@ -68,8 +67,8 @@ GC_API_EXPORT GC_ERROR GC_CALLTYPE IFGetDeviceInfo(IF_HANDLE hIface, const char*
   });
 }
 
-GC_API_EXPORT GC_ERROR GC_CALLTYPE IFOpenDevice(IF_HANDLE hIface, const char* sDeviceID,
-                                                DEVICE_ACCESS_FLAGS iOpenFlags, DEV_HANDLE* phDevice) {
+GC_API_EXPORT GC_ERROR GC_CALLTYPE IFOpenDevice(IF_HANDLE hIface, const char* sDeviceID, DEVICE_ACCESS_FLAGS iOpenFlags,
+                                                DEV_HANDLE* phDevice) {
   return Guarded([&] {
     auto iface = Lib().Get<CInterface>(hIface, "interface");
     RequireOut(phDevice, "device handle pointer");
@@ -85,4 +84,4 @@ GC_API_EXPORT GC_ERROR GC_CALLTYPE IFGetParentTL(IF_HANDLE hIface, TL_HANDLE* ph
   });
 }
 
-} // extern "C"
+}  // extern "C"

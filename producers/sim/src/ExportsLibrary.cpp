@@ -18,10 +18,10 @@ using TalvirSim::CRemotePort;
 using TalvirSim::CSystem;
 using TalvirSim::Fail;
 using TalvirSim::Guarded;
+using TalvirSim::Lib;
 using TalvirSim::RequireId;
 using TalvirSim::RequireOut;
 using TalvirSim::RequireSize;
-using TalvirSim::Lib;
 using TalvirSim::SInfoOut;
 
 extern "C" {
@@ -45,30 +45,19 @@ GC_API_EXPORT GC_ERROR GC_CALLTYPE GCGetInfo(TL_INFO_CMD iInfoCmd, INFO_DATATYPE
     }
     auto systemInfo = [&](const TalvirSim::SConfig& config) {
       switch (iInfoCmd) {
-      case TL_INFO_ID:
-        return TalvirSim::PutString({piType, pBuffer, piSize}, config.id);
-      case TL_INFO_VENDOR:
-        return TalvirSim::PutString({piType, pBuffer, piSize}, config.vendor);
-      case TL_INFO_MODEL:
-        return TalvirSim::PutString({piType, pBuffer, piSize}, config.model);
-      case TL_INFO_VERSION:
-        return TalvirSim::PutString({piType, pBuffer, piSize}, config.version);
-      case TL_INFO_TLTYPE:
-        return TalvirSim::PutString({piType, pBuffer, piSize}, config.tlType);
-      case TL_INFO_NAME:
-        return TalvirSim::PutString({piType, pBuffer, piSize}, config.moduleName);
-      case TL_INFO_PATHNAME:
-        return TalvirSim::PutString({piType, pBuffer, piSize}, config.modulePath);
+      case TL_INFO_ID: return TalvirSim::PutString({piType, pBuffer, piSize}, config.id);
+      case TL_INFO_VENDOR: return TalvirSim::PutString({piType, pBuffer, piSize}, config.vendor);
+      case TL_INFO_MODEL: return TalvirSim::PutString({piType, pBuffer, piSize}, config.model);
+      case TL_INFO_VERSION: return TalvirSim::PutString({piType, pBuffer, piSize}, config.version);
+      case TL_INFO_TLTYPE: return TalvirSim::PutString({piType, pBuffer, piSize}, config.tlType);
+      case TL_INFO_NAME: return TalvirSim::PutString({piType, pBuffer, piSize}, config.moduleName);
+      case TL_INFO_PATHNAME: return TalvirSim::PutString({piType, pBuffer, piSize}, config.modulePath);
       case TL_INFO_DISPLAYNAME:
         return TalvirSim::PutString({piType, pBuffer, piSize}, config.model + " (" + config.tlType + ")");
-      case TL_INFO_CHAR_ENCODING:
-        return TalvirSim::PutI32({piType, pBuffer, piSize}, TL_CHAR_ENCODING_ASCII);
-      case TL_INFO_GENTL_VER_MAJOR:
-        return TalvirSim::PutU32({piType, pBuffer, piSize}, 1);
-      case TL_INFO_GENTL_VER_MINOR:
-        return TalvirSim::PutU32({piType, pBuffer, piSize}, 5);
-      default:
-        Fail(GC_ERR_INVALID_ID, "unknown library info command " + std::to_string(iInfoCmd));
+      case TL_INFO_CHAR_ENCODING: return TalvirSim::PutI32({piType, pBuffer, piSize}, TL_CHAR_ENCODING_ASCII);
+      case TL_INFO_GENTL_VER_MAJOR: return TalvirSim::PutU32({piType, pBuffer, piSize}, 1);
+      case TL_INFO_GENTL_VER_MINOR: return TalvirSim::PutU32({piType, pBuffer, piSize}, 5);
+      default: Fail(GC_ERR_INVALID_ID, "unknown library info command " + std::to_string(iInfoCmd));
       }
     };
     systemInfo(Lib().IsInitialised() ? Lib().Config() : unopened);
@@ -147,8 +136,9 @@ GC_API_EXPORT GC_ERROR GC_CALLTYPE GCGetNumPortURLs(PORT_HANDLE hPort, uint32_t*
 
 GC_API_EXPORT GC_ERROR GC_CALLTYPE GCGetPortURLInfo(PORT_HANDLE hPort, uint32_t iURLIndex, URL_INFO_CMD iInfoCmd,
                                                     INFO_DATATYPE* piType, void* pBuffer, size_t* piSize) {
-  return Guarded(
-      [&] { Lib().Get<CPortModule>(hPort, "port")->GetUrlInfo(iURLIndex, iInfoCmd, {piType, pBuffer, piSize}); });
+  return Guarded([&] {
+    Lib().Get<CPortModule>(hPort, "port")->GetUrlInfo(iURLIndex, iInfoCmd, {piType, pBuffer, piSize});
+  });
 }
 
 GC_API_EXPORT GC_ERROR GC_CALLTYPE GCReadPortStacked(PORT_HANDLE hPort, PORT_REGISTER_STACK_ENTRY* pEntries,
@@ -196,7 +186,7 @@ CEventSource& EventSourceOf(EVENTSRC_HANDLE handle, std::shared_ptr<TalvirSim::C
   }
   return *source;
 }
-} // namespace
+}  // namespace
 
 GC_API_EXPORT GC_ERROR GC_CALLTYPE GCRegisterEvent(EVENTSRC_HANDLE hEventSrc, EVENT_TYPE iEventID,
                                                    EVENT_HANDLE* phEvent) {
@@ -215,8 +205,7 @@ GC_API_EXPORT GC_ERROR GC_CALLTYPE GCUnregisterEvent(EVENTSRC_HANDLE hEventSrc, 
   });
 }
 
-GC_API_EXPORT GC_ERROR GC_CALLTYPE EventGetData(EVENT_HANDLE hEvent, void* pBuffer, size_t* piSize,
-                                                uint64_t iTimeout) {
+GC_API_EXPORT GC_ERROR GC_CALLTYPE EventGetData(EVENT_HANDLE hEvent, void* pBuffer, size_t* piSize, uint64_t iTimeout) {
   return Guarded([&] { Lib().Get<CEvent>(hEvent, "event")->GetData(pBuffer, piSize, iTimeout); });
 }
 
@@ -241,4 +230,4 @@ GC_API_EXPORT GC_ERROR GC_CALLTYPE EventKill(EVENT_HANDLE hEvent) {
   return Guarded([&] { Lib().Get<CEvent>(hEvent, "event")->Kill(); });
 }
 
-} // extern "C"
+}  // extern "C"

@@ -16,10 +16,10 @@ using TalvirSim::CRemotePort;
 using TalvirSim::CSystem;
 using TalvirSim::Fail;
 using TalvirSim::Guarded;
+using TalvirSim::Lib;
 using TalvirSim::RequireId;
 using TalvirSim::RequireOut;
 using TalvirSim::RequireSize;
-using TalvirSim::Lib;
 using TalvirSim::SInfoOut;
 
 extern "C" {
@@ -38,8 +38,8 @@ GC_API_EXPORT GC_ERROR GC_CALLTYPE TLClose(TL_HANDLE hTL) {
   return Guarded([&] { Lib().Get<CSystem>(hTL, "system")->CloseAll(); });
 }
 
-GC_API_EXPORT GC_ERROR GC_CALLTYPE TLGetInfo(TL_HANDLE hTL, TL_INFO_CMD iInfoCmd, INFO_DATATYPE* piType,
-                                             void* pBuffer, size_t* piSize) {
+GC_API_EXPORT GC_ERROR GC_CALLTYPE TLGetInfo(TL_HANDLE hTL, TL_INFO_CMD iInfoCmd, INFO_DATATYPE* piType, void* pBuffer,
+                                             size_t* piSize) {
   return Guarded([&] { Lib().Get<CSystem>(hTL, "system")->GetInfo(iInfoCmd, {piType, pBuffer, piSize}); });
 }
 
@@ -58,9 +58,8 @@ GC_API_EXPORT GC_ERROR GC_CALLTYPE TLGetInterfaceID(TL_HANDLE hTL, uint32_t iInd
   });
 }
 
-GC_API_EXPORT GC_ERROR GC_CALLTYPE TLGetInterfaceInfo(TL_HANDLE hTL, const char* sIfaceID,
-                                                      INTERFACE_INFO_CMD iInfoCmd, INFO_DATATYPE* piType,
-                                                      void* pBuffer, size_t* piSize) {
+GC_API_EXPORT GC_ERROR GC_CALLTYPE TLGetInterfaceInfo(TL_HANDLE hTL, const char* sIfaceID, INTERFACE_INFO_CMD iInfoCmd,
+                                                      INFO_DATATYPE* piType, void* pBuffer, size_t* piSize) {
   return Guarded([&] {
     auto system = Lib().Get<CSystem>(hTL, "system");
     system->InterfaceInfo(RequireId(sIfaceID, "interface ID"), iInfoCmd, {piType, pBuffer, piSize});
@@ -84,4 +83,4 @@ GC_API_EXPORT GC_ERROR GC_CALLTYPE TLUpdateInterfaceList(TL_HANDLE hTL, bool8_t*
   });
 }
 
-} // extern "C"
+}  // extern "C"

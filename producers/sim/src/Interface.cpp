@@ -37,8 +37,7 @@ std::vector<uint8_t> GevDeviceRecord(const SDeviceConfig& config) {
   putAddress(100, config.hostIp);
   putAddress(104, config.subnet);
   unsigned int mac[6] = {0, 0, 0, 0, 0, 0};
-  if (std::sscanf(config.mac.c_str(), "%x:%x:%x:%x:%x:%x", &mac[0], &mac[1], &mac[2], &mac[3], &mac[4], &mac[5]) ==
-      6) {
+  if (std::sscanf(config.mac.c_str(), "%x:%x:%x:%x:%x:%x", &mac[0], &mac[1], &mac[2], &mac[3], &mac[4], &mac[5]) == 6) {
     for (int i = 0; i < 6; ++i) {
       record[108 + i] = static_cast<uint8_t>(mac[i]);
     }
@@ -53,7 +52,7 @@ std::vector<uint8_t> GevDeviceRecord(const SDeviceConfig& config) {
   return record;
 }
 
-} // namespace
+}  // namespace
 
 CInterface::CInterface(std::shared_ptr<CSystem> system, size_t index)
     : m_system(std::move(system)), m_index(index), m_id(Lib().Config().interfaces.at(index).id) {
@@ -63,12 +62,13 @@ CInterface::CInterface(std::shared_ptr<CSystem> system, size_t index)
   m_bank.AddString(0x1000, 256, [this](size_t) { return m_id; });
   m_bank.AddString(0x1100, 256, [&config](size_t) { return config.displayName; });
   m_bank.AddInt(0x0000, 8, [](size_t) { return TransportTypeCode(Lib().Config().tlType, true); });
-  m_bank.AddInt(0x0008, 8, [](size_t) { return uint64_t{0}; },
-                [this](size_t, uint64_t value) {
-                  if (value != 0) {
-                    UpdateDeviceList(0);
-                  }
-                });
+  m_bank.AddInt(
+      0x0008, 8, [](size_t) { return uint64_t{0}; },
+      [this](size_t, uint64_t value) {
+        if (value != 0) {
+          UpdateDeviceList(0);
+        }
+      });
   m_bank.AddStored(0x0010, 8, 0);
   m_bank.AddInt(0x0018, 8, [this](size_t) {
     std::lock_guard<std::mutex> lock(m_mutex);
@@ -80,19 +80,39 @@ CInterface::CInterface(std::shared_ptr<CSystem> system, size_t index)
     return slot < m_visible.size() ? m_visible[slot] : nullptr;
   };
   m_bank.AddString(
-      0x10000, 256, [cameraAt](size_t i) { auto c = cameraAt(i); return c ? c->Config().id : std::string(); },
+      0x10000, 256,
+      [cameraAt](size_t i) {
+        auto c = cameraAt(i);
+        return c ? c->Config().id : std::string();
+      },
       slots, 0x100);
   m_bank.AddString(
-      0x20000, 256, [cameraAt](size_t i) { auto c = cameraAt(i); return c ? c->Config().vendor : std::string(); },
+      0x20000, 256,
+      [cameraAt](size_t i) {
+        auto c = cameraAt(i);
+        return c ? c->Config().vendor : std::string();
+      },
       slots, 0x100);
   m_bank.AddString(
-      0x30000, 256, [cameraAt](size_t i) { auto c = cameraAt(i); return c ? c->Config().model : std::string(); },
+      0x30000, 256,
+      [cameraAt](size_t i) {
+        auto c = cameraAt(i);
+        return c ? c->Config().model : std::string();
+      },
       slots, 0x100);
   m_bank.AddString(
-      0x40000, 256, [cameraAt](size_t i) { auto c = cameraAt(i); return c ? c->Config().serial : std::string(); },
+      0x40000, 256,
+      [cameraAt](size_t i) {
+        auto c = cameraAt(i);
+        return c ? c->Config().serial : std::string();
+      },
       slots, 0x100);
   m_bank.AddInt(
-      0x50000, 8, [cameraAt](size_t i) { auto c = cameraAt(i); return c ? static_cast<uint64_t>(c->AccessStatus()) : 0; },
+      0x50000, 8,
+      [cameraAt](size_t i) {
+        auto c = cameraAt(i);
+        return c ? static_cast<uint64_t>(c->AccessStatus()) : 0;
+      },
       {}, slots, 8);
 }
 
@@ -130,8 +150,8 @@ uint32_t CInterface::NumDevices() {
 std::string CInterface::DeviceId(uint32_t index) {
   std::lock_guard<std::mutex> lock(m_mutex);
   if (index >= m_visible.size()) {
-    Fail(GenTL::GC_ERR_INVALID_INDEX, "device index " + std::to_string(index) + " of " +
-                                          std::to_string(m_visible.size()));
+    Fail(GenTL::GC_ERR_INVALID_INDEX,
+         "device index " + std::to_string(index) + " of " + std::to_string(m_visible.size()));
   }
   return m_visible[index]->Config().id;
 }
@@ -149,28 +169,17 @@ std::shared_ptr<CSimCamera> CInterface::FindCamera(const std::string& id) {
 void CameraInfo(CSimCamera& camera, GenTL::DEVICE_INFO_CMD command, const SInfoOut& out) {
   const SDeviceConfig& config = camera.Config();
   switch (command) {
-  case GenTL::DEVICE_INFO_ID:
-    return PutString(out, config.id);
-  case GenTL::DEVICE_INFO_VENDOR:
-    return PutString(out, config.vendor);
-  case GenTL::DEVICE_INFO_MODEL:
-    return PutString(out, config.model);
-  case GenTL::DEVICE_INFO_TLTYPE:
-    return PutString(out, Lib().Config().tlType);
-  case GenTL::DEVICE_INFO_DISPLAYNAME:
-    return PutString(out, config.displayName);
-  case GenTL::DEVICE_INFO_ACCESS_STATUS:
-    return PutI32(out, camera.AccessStatus());
-  case GenTL::DEVICE_INFO_USER_DEFINED_NAME:
-    return PutString(out, config.userName);
-  case GenTL::DEVICE_INFO_SERIAL_NUMBER:
-    return PutString(out, config.serial);
-  case GenTL::DEVICE_INFO_VERSION:
-    return PutString(out, config.version);
-  case GenTL::DEVICE_INFO_TIMESTAMP_FREQUENCY:
-    return PutU64(out, config.timestampFrequency);
-  default:
-    break;
+  case GenTL::DEVICE_INFO_ID: return PutString(out, config.id);
+  case GenTL::DEVICE_INFO_VENDOR: return PutString(out, config.vendor);
+  case GenTL::DEVICE_INFO_MODEL: return PutString(out, config.model);
+  case GenTL::DEVICE_INFO_TLTYPE: return PutString(out, Lib().Config().tlType);
+  case GenTL::DEVICE_INFO_DISPLAYNAME: return PutString(out, config.displayName);
+  case GenTL::DEVICE_INFO_ACCESS_STATUS: return PutI32(out, camera.AccessStatus());
+  case GenTL::DEVICE_INFO_USER_DEFINED_NAME: return PutString(out, config.userName);
+  case GenTL::DEVICE_INFO_SERIAL_NUMBER: return PutString(out, config.serial);
+  case GenTL::DEVICE_INFO_VERSION: return PutString(out, config.version);
+  case GenTL::DEVICE_INFO_TIMESTAMP_FREQUENCY: return PutU64(out, config.timestampFrequency);
+  default: break;
   }
   if (command == 1001 && Lib().Config().flavour == EFlavour::GEV) {
     if (config.faults.failDeviceRecord) {
@@ -232,4 +241,4 @@ void CInterface::Close() {
   m_system->InterfaceClosed(m_id);
 }
 
-} // namespace TalvirSim
+}  // namespace TalvirSim

@@ -43,4 +43,4 @@ private:
   std::map<std::string, std::weak_ptr<CDevice>> m_open;
 };
 
-} // namespace TalvirSim
+}  // namespace TalvirSim

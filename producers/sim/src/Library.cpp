@@ -145,4 +145,4 @@ void CLibrary::JoinNotifiers() {
   }
 }
 
-} // namespace TalvirSim
+}  // namespace TalvirSim

@@ -41,7 +41,8 @@ public:
   void RemoveHandle(const void* handle);
 
   // The object a handle names, as type T; GC_ERR_INVALID_HANDLE when it names nothing or something else.
-  template <typename T> std::shared_ptr<T> Get(void* handle, const char* what) const {
+  template <typename T>
+  std::shared_ptr<T> Get(void* handle, const char* what) const {
     RequireInit();
     if (handle == nullptr) {
       Fail(GenTL::GC_ERR_INVALID_HANDLE, std::string("null ") + what + " handle");
@@ -86,4 +87,4 @@ private:
 
 inline CLibrary& Lib() { return CLibrary::Instance(); }
 
-} // namespace TalvirSim
+}  // namespace TalvirSim

@@ -20,17 +20,12 @@ void CNewBufferEvent::GetData(void* buffer, size_t* size, uint64_t timeoutMs) {
 void CNewBufferEvent::GetInfo(GenTL::EVENT_INFO_CMD command, const SInfoOut& out) {
   auto stream = Stream();
   switch (command) {
-  case GenTL::EVENT_EVENT_TYPE:
-    return PutI32(out, Type());
-  case GenTL::EVENT_NUM_IN_QUEUE:
-    return PutSize(out, stream->OutputCount());
-  case GenTL::EVENT_NUM_FIRED:
-    return PutU64(out, stream->Delivered());
+  case GenTL::EVENT_EVENT_TYPE: return PutI32(out, Type());
+  case GenTL::EVENT_NUM_IN_QUEUE: return PutSize(out, stream->OutputCount());
+  case GenTL::EVENT_NUM_FIRED: return PutU64(out, stream->Delivered());
   case GenTL::EVENT_SIZE_MAX:
-  case GenTL::EVENT_INFO_DATA_SIZE_MAX:
-    return PutSize(out, sizeof(GenTL::EVENT_NEW_BUFFER_DATA));
-  default:
-    Fail(GenTL::GC_ERR_INVALID_ID, "unknown event info command " + std::to_string(command));
+  case GenTL::EVENT_INFO_DATA_SIZE_MAX: return PutSize(out, sizeof(GenTL::EVENT_NEW_BUFFER_DATA));
+  default: Fail(GenTL::GC_ERR_INVALID_ID, "unknown event info command " + std::to_string(command));
   }
 }
 
@@ -44,4 +39,4 @@ void CNewBufferEvent::Shutdown() {
   }
 }
 
-} // namespace TalvirSim
+}  // namespace TalvirSim

@@ -31,4 +31,4 @@ private:
   bool m_writable;
 };
 
-} // namespace TalvirSim
+}  // namespace TalvirSim

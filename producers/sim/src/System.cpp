@@ -25,12 +25,13 @@ CSystem::CSystem() {
   m_bank.AddInt(0x0000, 8, [](size_t) { return TransportTypeCode(Lib().Config().tlType, true); });
   m_bank.AddInt(0x0008, 8, [](size_t) { return uint64_t{1}; });
   m_bank.AddInt(0x0010, 8, [](size_t) { return uint64_t{5}; });
-  m_bank.AddInt(0x0018, 8, [](size_t) { return uint64_t{0}; }, [](size_t, uint64_t) {});
+  m_bank.AddInt(
+      0x0018, 8, [](size_t) { return uint64_t{0}; }, [](size_t, uint64_t) {});
   m_bank.AddStored(0x0020, 8, 0);
   m_bank.AddInt(0x0028, 8, [](size_t) { return static_cast<uint64_t>(Lib().Config().interfaces.size()); });
   m_bank.AddString(
-      0x10000, 256, [](size_t index) { return Lib().Config().interfaces.at(index).id; },
-      config.interfaces.size(), 0x100);
+      0x10000, 256, [](size_t index) { return Lib().Config().interfaces.at(index).id; }, config.interfaces.size(),
+      0x100);
 }
 
 std::string CSystem::PortId() { return Lib().Config().id; }
@@ -38,30 +39,18 @@ std::string CSystem::PortId() { return Lib().Config().id; }
 void CSystem::GetInfo(GenTL::TL_INFO_CMD command, const SInfoOut& out) {
   const SConfig& config = Lib().Config();
   switch (command) {
-  case GenTL::TL_INFO_ID:
-    return PutString(out, config.id);
-  case GenTL::TL_INFO_VENDOR:
-    return PutString(out, config.vendor);
-  case GenTL::TL_INFO_MODEL:
-    return PutString(out, config.model);
-  case GenTL::TL_INFO_VERSION:
-    return PutString(out, config.version);
-  case GenTL::TL_INFO_TLTYPE:
-    return PutString(out, config.tlType);
-  case GenTL::TL_INFO_NAME:
-    return PutString(out, config.moduleName);
-  case GenTL::TL_INFO_PATHNAME:
-    return PutString(out, config.modulePath);
-  case GenTL::TL_INFO_DISPLAYNAME:
-    return PutString(out, config.model + " (" + config.tlType + ")");
-  case GenTL::TL_INFO_CHAR_ENCODING:
-    return PutI32(out, GenTL::TL_CHAR_ENCODING_ASCII);
-  case GenTL::TL_INFO_GENTL_VER_MAJOR:
-    return PutU32(out, 1);
-  case GenTL::TL_INFO_GENTL_VER_MINOR:
-    return PutU32(out, 5);
-  default:
-    Fail(GenTL::GC_ERR_INVALID_ID, "unknown system info command " + std::to_string(command));
+  case GenTL::TL_INFO_ID: return PutString(out, config.id);
+  case GenTL::TL_INFO_VENDOR: return PutString(out, config.vendor);
+  case GenTL::TL_INFO_MODEL: return PutString(out, config.model);
+  case GenTL::TL_INFO_VERSION: return PutString(out, config.version);
+  case GenTL::TL_INFO_TLTYPE: return PutString(out, config.tlType);
+  case GenTL::TL_INFO_NAME: return PutString(out, config.moduleName);
+  case GenTL::TL_INFO_PATHNAME: return PutString(out, config.modulePath);
+  case GenTL::TL_INFO_DISPLAYNAME: return PutString(out, config.model + " (" + config.tlType + ")");
+  case GenTL::TL_INFO_CHAR_ENCODING: return PutI32(out, GenTL::TL_CHAR_ENCODING_ASCII);
+  case GenTL::TL_INFO_GENTL_VER_MAJOR: return PutU32(out, 1);
+  case GenTL::TL_INFO_GENTL_VER_MINOR: return PutU32(out, 5);
+  default: Fail(GenTL::GC_ERR_INVALID_ID, "unknown system info command " + std::to_string(command));
   }
 }
 
@@ -70,8 +59,8 @@ uint32_t CSystem::NumInterfaces() { return static_cast<uint32_t>(Lib().Config().
 std::string CSystem::InterfaceId(uint32_t index) {
   const auto& interfaces = Lib().Config().interfaces;
   if (index >= interfaces.size()) {
-    Fail(GenTL::GC_ERR_INVALID_INDEX, "interface index " + std::to_string(index) + " of " +
-                                          std::to_string(interfaces.size()));
+    Fail(GenTL::GC_ERR_INVALID_INDEX,
+         "interface index " + std::to_string(index) + " of " + std::to_string(interfaces.size()));
   }
   return interfaces[index].id;
 }
@@ -89,14 +78,10 @@ size_t CSystem::IndexOf(const std::string& id) {
 void CSystem::InterfaceInfo(const std::string& id, GenTL::INTERFACE_INFO_CMD command, const SInfoOut& out) {
   const SInterfaceConfig& iface = Lib().Config().interfaces[IndexOf(id)];
   switch (command) {
-  case GenTL::INTERFACE_INFO_ID:
-    return PutString(out, iface.id);
-  case GenTL::INTERFACE_INFO_DISPLAYNAME:
-    return PutString(out, iface.displayName);
-  case GenTL::INTERFACE_INFO_TLTYPE:
-    return PutString(out, Lib().Config().tlType);
-  default:
-    Fail(GenTL::GC_ERR_INVALID_ID, "unknown interface info command " + std::to_string(command));
+  case GenTL::INTERFACE_INFO_ID: return PutString(out, iface.id);
+  case GenTL::INTERFACE_INFO_DISPLAYNAME: return PutString(out, iface.displayName);
+  case GenTL::INTERFACE_INFO_TLTYPE: return PutString(out, Lib().Config().tlType);
+  default: Fail(GenTL::GC_ERR_INVALID_ID, "unknown interface info command " + std::to_string(command));
   }
 }
 
@@ -144,4 +129,4 @@ void CSystem::CloseAll() {
   Lib().SystemClosed();
 }
 
-} // namespace TalvirSim
+}  // namespace TalvirSim

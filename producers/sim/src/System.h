@@ -33,4 +33,4 @@ private:
   std::map<std::string, std::weak_ptr<CInterface>> m_open;
 };
 
-} // namespace TalvirSim
+}  // namespace TalvirSim
