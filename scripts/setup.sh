@@ -17,6 +17,8 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   # node-map oracle for the differential tests (its pkg-config file needs libusb's)
   libaravis-dev libusb-1.0-0-dev
+  # formatting check (scripts/check-format.sh)
+  clang-format
 )
 for option in "$@"; do
   case "$option" in

@@ -4,15 +4,11 @@
 #include <cstddef>
 #include <cstdint>
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
-{
-    GenApi::CNodeMapRef nodeMap;
-    try
-    {
-        nodeMap._LoadXMLFromZIPData(data, size);
-    }
-    catch (const GenICam::GenericException&)
-    {
-    }
-    return 0;
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  GenApi::CNodeMapRef nodeMap;
+  try {
+    nodeMap._LoadXMLFromZIPData(data, size);
+  } catch (const GenICam::GenericException&) {
+  }
+  return 0;
 }

@@ -16,6 +16,10 @@ std::string NativeModuleName(const std::string& windowsName);
 // LastModuleError() then says why.
 ModuleHandle LoadModule(const std::string& nameOrPath);
 
+// A module that is already loaded in the process under this name (a bare file name such as "libX.so"), with one
+// more reference taken (give it back with FreeModule); null when it is not loaded. Never loads anything.
+ModuleHandle FindLoadedModule(const std::string& name);
+
 // The address of an exported symbol, or null.
 void* FindSymbol(ModuleHandle module, const char* symbolName);
 
@@ -51,7 +55,8 @@ public:
   }
 
   // The symbol cast to the function-pointer type the caller expects, or null.
-  template <typename TFunction> TFunction Symbol(const char* symbolName) const {
+  template <typename TFunction>
+  TFunction Symbol(const char* symbolName) const {
     return reinterpret_cast<TFunction>(FindSymbol(m_handle, symbolName));
   }
 
@@ -59,4 +64,4 @@ private:
   ModuleHandle m_handle = nullptr;
 };
 
-} // namespace TALVIR::Platform
+}  // namespace TALVIR::Platform

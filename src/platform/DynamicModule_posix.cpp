@@ -57,9 +57,7 @@ CLastErrors& LastErrors() {
   return errors;
 }
 
-bool HasFolder(const std::string& name) {
-  return name.find('/') != std::string::npos;
-}
+bool HasFolder(const std::string& name) { return name.find('/') != std::string::npos; }
 
 bool EndsWithIgnoringCase(const std::string& text, const std::string& suffix) {
   if (text.size() < suffix.size()) {
@@ -87,7 +85,7 @@ ModuleHandle OpenAndRecord(const std::string& path) {
   return handle;
 }
 
-} // namespace
+}  // namespace
 
 std::string NativeModuleName(const std::string& windowsName) {
   if (!EndsWithIgnoringCase(windowsName, ".dll")) {
@@ -129,8 +127,13 @@ void FreeModule(ModuleHandle module) {
   }
 }
 
-std::string LastModuleError() {
-  return LastErrors().Get();
+ModuleHandle FindLoadedModule(const std::string& name) {
+  if (name.empty()) {
+    return nullptr;
+  }
+  return dlopen(NativeModuleName(name).c_str(), RTLD_NOW | RTLD_NOLOAD);
 }
 
-} // namespace TALVIR::Platform
+std::string LastModuleError() { return LastErrors().Get(); }
+
+}  // namespace TALVIR::Platform

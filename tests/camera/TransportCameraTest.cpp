@@ -349,11 +349,34 @@ TEST(TransportCamera, ReleasingTheLibraryReleasesEveryCameraStillOpen) {
     ASSERT_EQ(rig.Camera(index)->StartGrabbing(index == 0 ? GrabMode::Newest : GrabMode::Direct, 0), Status::Ok);
   }
   EXPECT_EQ(rig.Registry().CameraCount(), 2u);
-  rig.CloseManager(); // the leak checker sees whether both were freed
+  rig.CloseManager();  // the leak checker sees whether both were freed
   // A report after the library is gone finds no registry and does nothing.
   CCameraRegistry::OnGevStatus(0x0B4DA8C0, false);
   CCameraRegistry::OnU3vStatus("GEV00001", false);
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR
+
+namespace TALVIR {
+namespace {
+
+TEST(TransportCameraEndToEnd, AGigEDeviceLostInTheSimulatorReachesTheCameraThroughTheHelper) {
+  Testing::CSimRig rig("TalvirSimGEVTL.cti");
+  CCamera* camera = rig.Camera(1);
+  CLossHandler handler;
+  camera->SetHandler(&handler);
+  ASSERT_EQ(camera->Open(AccessMode::Control), Status::Ok);
+  ASSERT_EQ(camera->StartGrabbing(GrabMode::Newest, 0), Status::Ok);
+  Testing::CSimRig::Execute(*camera, "SimDeviceLost");
+  ASSERT_TRUE(handler.WaitFor(1)) << "producer -> helper library -> status handler -> notification";
+  EXPECT_FALSE(camera->IsOnline());
+  Testing::SImageGuard image;
+  EXPECT_NE(camera->GetImage(&image.image, 100), Status::Ok);
+  camera->Close();
+  EXPECT_EQ(handler.Count(), 1u);
+  camera->SetHandler(nullptr);
+}
+
+}  // namespace
+}  // namespace TALVIR

@@ -36,13 +36,12 @@ private:
   unsigned int m_sourceLine;
 };
 
-#define GENICAM_DECLARE_EXCEPTION(Name)                                                           \
-  class GENICAM_API Name : public GenericException {                                              \
-  public:                                                                                         \
-    Name(const char* description, const char* sourceFileName, unsigned int sourceLine);           \
-    Name(const char* description, const char* sourceFileName, unsigned int sourceLine,            \
-         const char* exceptionType);                                                              \
-    ~Name() noexcept override;                                                                    \
+#define GENICAM_DECLARE_EXCEPTION(Name) \
+  class GENICAM_API Name : public GenericException { \
+  public: \
+    Name(const char* description, const char* sourceFileName, unsigned int sourceLine); \
+    Name(const char* description, const char* sourceFileName, unsigned int sourceLine, const char* exceptionType); \
+    ~Name() noexcept override; \
   }
 
 GENICAM_DECLARE_EXCEPTION(BadAllocException);
@@ -61,7 +60,8 @@ GENICAM_DECLARE_EXCEPTION(DynamicCastException);
 #if defined(__GNUC__)
 __attribute__((format(printf, 1, 0)))
 #endif
-GENICAM_API std::string FormatExceptionText(const char* format, va_list args);
+GENICAM_API std::string
+FormatExceptionText(const char* format, va_list args);
 
 // Builds an exception of type E that remembers where it was made.
 template <class E>

@@ -6,12 +6,12 @@
 #include <GCBase/GCExport.h>
 
 namespace GenICam {
-using ::int8_t;
 using ::int16_t;
 using ::int32_t;
 using ::int64_t;
-using ::uint8_t;
+using ::int8_t;
 using ::uint16_t;
 using ::uint32_t;
 using ::uint64_t;
+using ::uint8_t;
 }  // namespace GenICam

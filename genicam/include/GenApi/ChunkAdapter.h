@@ -10,9 +10,9 @@
 namespace GenApi {
 
 struct AttachStatistics_t {
-  int64_t NumChunkPorts = 0;     // chunk Port nodes in the node map
-  int64_t NumChunks = 0;         // records offered
-  int64_t NumAttachedChunks = 0; // records that matched a chunk port
+  int64_t NumChunkPorts = 0;      // chunk Port nodes in the node map
+  int64_t NumChunks = 0;          // records offered
+  int64_t NumAttachedChunks = 0;  // records that matched a chunk port
 };
 
 class GENICAM_API CChunkAdapterGenTL {

@@ -8,9 +8,9 @@
 namespace GenApi {
 
 enum EContentType {
-  ContentType_Auto,       // ZIP when the data starts with the ZIP signature, XML otherwise
-  ContentType_Xml,        // XML text
-  ContentType_ZippedXml   // a ZIP archive (STORE or DEFLATE) whose first file is the XML text
+  ContentType_Auto,      // ZIP when the data starts with the ZIP signature, XML otherwise
+  ContentType_Xml,       // XML text
+  ContentType_ZippedXml  // a ZIP archive (STORE or DEFLATE) whose first file is the XML text
 };
 
 class GENICAM_API CNodeMapFactory {

@@ -94,7 +94,7 @@ GENICAM_API EAccessMode Combine(EAccessMode first, EAccessMode second);
 // True when a node of visibility Visibility is shown at the user level MaxVisibility.
 inline bool IsVisible(EVisibility Visibility, EVisibility MaxVisibility) { return Visibility <= MaxVisibility; }
 
-GENICAM_API const char* AccessModeName(EAccessMode mode);  // "NI", "NA", "WO", "RO", "RW"
+GENICAM_API const char* AccessModeName(EAccessMode mode);        // "NI", "NA", "WO", "RO", "RW"
 GENICAM_API const char* InterfaceTypeName(EInterfaceType type);  // "IInteger", ...
 
 }  // namespace GenApi

@@ -47,8 +47,15 @@ enum EIncMode { noIncrement, fixedIncrement, listIncrement };
 enum ECallbackType { cbPostInsideLock = 1, cbPostOutsideLock = 2 };
 
 // Which relation GetChildren follows.
-enum ELinkType { ctParentNodes, ctReadingChildren, ctWritingChildren, ctInvalidatingChildren, ctDependingNodes,
-                 ctTerminalNodes, ctValueChangingChildren };
+enum ELinkType {
+  ctParentNodes,
+  ctReadingChildren,
+  ctWritingChildren,
+  ctInvalidatingChildren,
+  ctDependingNodes,
+  ctTerminalNodes,
+  ctValueChangingChildren
+};
 
 // The principal interface of a node, as returned by INode::GetPrincipalInterfaceType.
 enum EInterfaceType {

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "nodes/NodeMap.h"
-#include "nodes/ValueNodes.h"
+#include "nodes/Port.h"
 
 namespace GenApi {
 

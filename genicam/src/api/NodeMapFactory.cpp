@@ -34,12 +34,15 @@ std::string ReadFile(const gcstring& fileName) {
   return bytes;
 }
 
-bool LooksZipped(const std::string& bytes) { return bytes.size() >= 4 && std::memcmp(bytes.data(), "PK\x03\x04", 4) == 0; }
+bool LooksZipped(const std::string& bytes) {
+  return bytes.size() >= 4 && std::memcmp(bytes.data(), "PK\x03\x04", 4) == 0;
+}
 }  // namespace
 
 CNodeMapFactory::CNodeMapFactory() = default;
 
-CNodeMapFactory::CNodeMapFactory(EContentType ContentType, const gcstring& FileName) : m_pData(std::make_shared<CData>()) {
+CNodeMapFactory::CNodeMapFactory(EContentType ContentType, const gcstring& FileName)
+    : m_pData(std::make_shared<CData>()) {
   m_pData->type = ContentType;
   m_pData->bytes = ReadFile(FileName);
   m_pData->source = FileName;

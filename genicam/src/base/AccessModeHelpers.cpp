@@ -17,31 +17,31 @@ EAccessMode Combine(EAccessMode first, EAccessMode second) {
 
 const char* AccessModeName(EAccessMode mode) {
   switch (mode) {
-    case NI: return "NI";
-    case NA: return "NA";
-    case WO: return "WO";
-    case RO: return "RO";
-    case RW: return "RW";
-    case _CycleDetectAccesMode: return "CycleDetect";
-    case _UndefinedAccesMode: break;
+  case NI: return "NI";
+  case NA: return "NA";
+  case WO: return "WO";
+  case RO: return "RO";
+  case RW: return "RW";
+  case _CycleDetectAccesMode: return "CycleDetect";
+  case _UndefinedAccesMode: break;
   }
   return "Undefined";
 }
 
 const char* InterfaceTypeName(EInterfaceType type) {
   switch (type) {
-    case intfIValue: return "IValue";
-    case intfIBase: return "IBase";
-    case intfIInteger: return "IInteger";
-    case intfIBoolean: return "IBoolean";
-    case intfICommand: return "ICommand";
-    case intfIFloat: return "IFloat";
-    case intfIString: return "IString";
-    case intfIRegister: return "IRegister";
-    case intfICategory: return "ICategory";
-    case intfIEnumeration: return "IEnumeration";
-    case intfIEnumEntry: return "IEnumEntry";
-    case intfIPort: return "IPort";
+  case intfIValue: return "IValue";
+  case intfIBase: return "IBase";
+  case intfIInteger: return "IInteger";
+  case intfIBoolean: return "IBoolean";
+  case intfICommand: return "ICommand";
+  case intfIFloat: return "IFloat";
+  case intfIString: return "IString";
+  case intfIRegister: return "IRegister";
+  case intfICategory: return "ICategory";
+  case intfIEnumeration: return "IEnumeration";
+  case intfIEnumEntry: return "IEnumEntry";
+  case intfIPort: return "IPort";
   }
   return "Unknown";
 }

@@ -12,10 +12,8 @@ GenericException::GenericException(const char* description, const char* sourceFi
 
 GenericException::GenericException(const char* description, const char* sourceFileName, unsigned int sourceLine,
                                    const char* exceptionType)
-    : m_description(description ? description : ""),
-      m_sourceFileName(sourceFileName ? sourceFileName : ""),
-      m_type(exceptionType ? exceptionType : "GenericException"),
-      m_sourceLine(sourceLine) {
+    : m_description(description ? description : ""), m_sourceFileName(sourceFileName ? sourceFileName : ""),
+      m_type(exceptionType ? exceptionType : "GenericException"), m_sourceLine(sourceLine) {
   Compose();
 }
 
@@ -34,12 +32,11 @@ unsigned int GenericException::GetSourceLine() const noexcept { return m_sourceL
 const char* GenericException::GetExceptionType() const noexcept { return m_type.c_str(); }
 const char* GenericException::what() const noexcept { return m_what.c_str(); }
 
-#define GENICAM_DEFINE_EXCEPTION(Name)                                                                      \
-  Name::Name(const char* description, const char* sourceFileName, unsigned int sourceLine)                  \
-      : GenericException(description, sourceFileName, sourceLine, #Name) {}                                 \
-  Name::Name(const char* description, const char* sourceFileName, unsigned int sourceLine,                  \
-             const char* exceptionType)                                                                     \
-      : GenericException(description, sourceFileName, sourceLine, exceptionType) {}                         \
+#define GENICAM_DEFINE_EXCEPTION(Name) \
+  Name::Name(const char* description, const char* sourceFileName, unsigned int sourceLine) \
+      : GenericException(description, sourceFileName, sourceLine, #Name) {} \
+  Name::Name(const char* description, const char* sourceFileName, unsigned int sourceLine, const char* exceptionType) \
+      : GenericException(description, sourceFileName, sourceLine, exceptionType) {} \
   Name::~Name() noexcept = default;
 
 GENICAM_DEFINE_EXCEPTION(BadAllocException)

@@ -1,362 +1,24 @@
-// Formula parsing (precedence climbing into postfix code with jumps) and evaluation.
+// Formula sets: variables, compilation through the parser, and evaluation of the postfix code.
 #include "formula/Formula.h"
 
-#include <cctype>
 #include <cmath>
 #include <cstring>
 #include <limits>
 
 #include <GCBase/GCException.h>
 
-#include "load/NumberParsing.h"
-#include "nodes/NodeMap.h"
+#include "base/NumberParsing.h"
+#include "formula/FormulaCode.h"
+#include "formula/FormulaParser.h"
 
 namespace GenApi {
 namespace Engine {
 
-enum class CFormulaSet::EOp : uint8_t {
-  PushConst, PushSlot, Neg, BitNot, LogNot, ToBool,
-  Add, Sub, Mul, Div, Mod, Pow, BitAnd, BitOr, BitXor, Shl, Shr, Eq, Ne, Lt, Gt, Le, Ge,
-  JumpIfZero,          // pop; jump when zero
-  Jump,
-  AndShortCircuit,     // pop; when zero push 0 and jump
-  OrShortCircuit,      // pop; when non-zero push 1 and jump
-  Func1, Func2
-};
-
-namespace {
-
 using EOp = CFormulaSet::EOp;
 
-enum EFunction : int32_t { fSGN, fNEG, fATAN, fCOS, fSIN, fTAN, fABS, fEXP, fLN, fLG, fSQRT, fTRUNC, fFLOOR, fCEIL,
-                           fROUND, fASIN, fACOS };
+CFormulaSet::CFormulaSet(const IFormulaOperand* owner, bool integerMode) : m_owner(owner), m_integerMode(integerMode) {}
 
-struct CFunctionName {
-  const char* name;
-  EFunction id;
-};
-constexpr CFunctionName kFunctions[] = {{"SGN", fSGN},     {"NEG", fNEG},     {"ATAN", fATAN},   {"COS", fCOS},
-                                        {"SIN", fSIN},     {"TAN", fTAN},     {"ABS", fABS},     {"EXP", fEXP},
-                                        {"LN", fLN},       {"LG", fLG},       {"SQRT", fSQRT},   {"TRUNC", fTRUNC},
-                                        {"FLOOR", fFLOOR}, {"CEIL", fCEIL},   {"ROUND", fROUND}, {"ASIN", fASIN},
-                                        {"ACOS", fACOS}};
-
-bool SameIgnoringCase(std::string_view a, const char* b) {
-  const size_t n = std::strlen(b);
-  if (a.size() != n) return false;
-  for (size_t i = 0; i < n; ++i) {
-    char c = a[i];
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-    if (c != b[i]) return false;
-  }
-  return true;
-}
-
-
-enum class ETok { End, Number, Identifier, Op, LParen, RParen, Comma, Question, Colon };
-
-struct CToken {
-  ETok kind = ETok::End;
-  std::string_view text;
-  size_t position = 0;
-  bool isFloat = false;
-  int64_t intValue = 0;
-  double floatValue = 0;
-};
-
-}  // namespace
-
-class CFormulaParser {
-public:
-  CFormulaParser(CFormulaSet& set, std::string_view text, const char* what, CFormulaSet::CProgram& program)
-      : m_set(set), m_text(text), m_what(what), m_program(program) {}
-
-  void Parse() {
-    Next();
-    ParseTernary(0);
-    if (m_token.kind != ETok::End) Fail("unexpected text");
-  }
-
-private:
-  [[noreturn]] void Fail(const char* problem) const {
-    const std::string shown(m_text.substr(0, 200));
-    throw RUNTIME_EXCEPTION("Node '%s': %s in %s at position %zu: '%s'",
-                            m_set.m_owner ? m_set.m_owner->Name().c_str() : "?", problem, m_what,
-                            m_token.position + 1, shown.c_str());
-  }
-
-  void Next() {
-    size_t i = m_pos;
-    while (i < m_text.size() && (m_text[i] == ' ' || m_text[i] == '\t' || m_text[i] == '\n' || m_text[i] == '\r')) ++i;
-    m_token = CToken();
-    m_token.position = i;
-    if (i >= m_text.size()) {
-      m_pos = i;
-      return;
-    }
-    const char c = m_text[i];
-    auto isIdentStart = [](char ch) { return (ch >= 'A' && ch <= 'Z') || (ch >= 'a' && ch <= 'z') || ch == '_'; };
-    auto isIdentPart = [&](char ch) { return isIdentStart(ch) || (ch >= '0' && ch <= '9') || ch == '.'; };
-    if (c >= '0' && c <= '9') {
-      size_t j = i;
-      if (c == '0' && j + 1 < m_text.size() && (m_text[j + 1] == 'x' || m_text[j + 1] == 'X')) {
-        j += 2;
-        while (j < m_text.size() && std::isxdigit(static_cast<unsigned char>(m_text[j]))) ++j;
-      } else {
-        while (j < m_text.size() && m_text[j] >= '0' && m_text[j] <= '9') ++j;
-        if (j < m_text.size() && m_text[j] == '.') {
-          m_token.isFloat = true;
-          ++j;
-          while (j < m_text.size() && m_text[j] >= '0' && m_text[j] <= '9') ++j;
-        }
-        if (j < m_text.size() && (m_text[j] == 'e' || m_text[j] == 'E')) {
-          size_t k = j + 1;
-          if (k < m_text.size() && (m_text[k] == '+' || m_text[k] == '-')) ++k;
-          if (k < m_text.size() && m_text[k] >= '0' && m_text[k] <= '9') {
-            m_token.isFloat = true;
-            j = k;
-            while (j < m_text.size() && m_text[j] >= '0' && m_text[j] <= '9') ++j;
-          }
-        }
-      }
-      m_token.kind = ETok::Number;
-      m_token.text = m_text.substr(i, j - i);
-      if (m_token.isFloat) {
-        if (!ParseDouble(m_token.text, m_token.floatValue)) Fail("bad number");
-        m_token.intValue = ClampToInt64(m_token.floatValue);
-      } else {
-        if (!ParseInteger(m_token.text, m_token.intValue)) Fail("bad number");
-        m_token.floatValue = static_cast<double>(m_token.intValue);
-      }
-      m_pos = j;
-      return;
-    }
-    if (isIdentStart(c)) {
-      size_t j = i + 1;
-      while (j < m_text.size() && isIdentPart(m_text[j])) ++j;
-      m_token.kind = ETok::Identifier;
-      m_token.text = m_text.substr(i, j - i);
-      m_pos = j;
-      return;
-    }
-    size_t length = 1;
-    ETok kind = ETok::Op;
-    const char d = i + 1 < m_text.size() ? m_text[i + 1] : '\0';
-    switch (c) {
-      case '(': kind = ETok::LParen; break;
-      case ')': kind = ETok::RParen; break;
-      case ',': kind = ETok::Comma; break;
-      case '?': kind = ETok::Question; break;
-      case ':': kind = ETok::Colon; break;
-      case '*': length = d == '*' ? 2 : 1; break;
-      case '&': length = d == '&' ? 2 : 1; break;
-      case '|': length = d == '|' ? 2 : 1; break;
-      case '<': length = (d == '<' || d == '=' || d == '>') ? 2 : 1; break;
-      case '>': length = (d == '>' || d == '=') ? 2 : 1; break;
-      case '=': length = d == '=' ? 2 : 1; break;
-      case '!': length = d == '=' ? 2 : 1; break;
-      case '+': case '-': case '/': case '%': case '^': case '~': break;
-      default: Fail("unexpected character");
-    }
-    m_token.kind = kind;
-    m_token.text = m_text.substr(i, length);
-    m_pos = i + length;
-  }
-
-  void Emit(EOp code, int delta, int32_t arg = 0, int64_t intValue = 0, double floatValue = 0) {
-    m_program.ops.push_back({code, arg, intValue, floatValue});
-    m_depth += delta;
-    if (m_depth > m_program.maxStack) m_program.maxStack = m_depth;
-    if (m_program.maxStack > CFormulaSet::kMaxStack) Fail("formula too complex");
-    if (m_program.ops.size() > 100000) Fail("formula too long");
-  }
-  size_t Here() const { return m_program.ops.size(); }
-  void PatchJump(size_t at) { m_program.ops[at].arg = static_cast<int32_t>(Here()); }
-
-  struct CNest {
-    explicit CNest(CFormulaParser& parser) : m_parser(parser) {
-      if (++m_parser.m_nesting > CFormulaSet::kMaxNesting) m_parser.Fail("formula nested too deeply");
-    }
-    ~CNest() { --m_parser.m_nesting; }
-    CFormulaParser& m_parser;
-  };
-
-  // ?: is the loosest level and right associative.
-  void ParseTernary(int) {
-    CNest nest(*this);
-    ParseBinary(0);
-    if (m_token.kind == ETok::Question) {
-      Next();
-      const size_t jumpElse = Here();
-      Emit(EOp::JumpIfZero, -1);
-      const int depthBefore = m_depth;
-      ParseTernary(0);
-      const size_t jumpEnd = Here();
-      Emit(EOp::Jump, 0);
-      if (m_token.kind != ETok::Colon) Fail("':' expected");
-      Next();
-      PatchJump(jumpElse);
-      m_depth = depthBefore;
-      ParseTernary(0);
-      PatchJump(jumpEnd);
-    }
-  }
-
-  // Binary levels, loosest first: || && | ^ & (= <>) (< > <= >=) (<< >>) (+ -) (* / %) **
-  static int LevelOf(std::string_view op) {
-    if (op == "||") return 0;
-    if (op == "&&") return 1;
-    if (op == "|") return 2;
-    if (op == "^") return 3;
-    if (op == "&") return 4;
-    if (op == "=" || op == "==" || op == "<>" || op == "!=") return 5;
-    if (op == "<" || op == ">" || op == "<=" || op == ">=") return 6;
-    if (op == "<<" || op == ">>") return 7;
-    if (op == "+" || op == "-") return 8;
-    if (op == "*" || op == "/" || op == "%") return 9;
-    if (op == "**") return 10;
-    return -1;
-  }
-  static EOp OpOf(std::string_view op) {
-    if (op == "|") return EOp::BitOr;
-    if (op == "^") return EOp::BitXor;
-    if (op == "&") return EOp::BitAnd;
-    if (op == "=" || op == "==") return EOp::Eq;
-    if (op == "<>" || op == "!=") return EOp::Ne;
-    if (op == "<") return EOp::Lt;
-    if (op == ">") return EOp::Gt;
-    if (op == "<=") return EOp::Le;
-    if (op == ">=") return EOp::Ge;
-    if (op == "<<") return EOp::Shl;
-    if (op == ">>") return EOp::Shr;
-    if (op == "+") return EOp::Add;
-    if (op == "-") return EOp::Sub;
-    if (op == "*") return EOp::Mul;
-    if (op == "/") return EOp::Div;
-    if (op == "%") return EOp::Mod;
-    return EOp::Pow;
-  }
-
-  // Precedence climbing: one recursion per operator of higher precedence, a loop along operators of the same level.
-  void ParseBinary(int minLevel) {
-    CNest nest(*this);
-    ParseUnary();
-    while (m_token.kind == ETok::Op) {
-      const int level = LevelOf(m_token.text);
-      if (level < 0 || level < minLevel) break;
-      const std::string_view op = m_token.text;
-      Next();
-      if (level == 0 || level == 1) {
-        const size_t jump = Here();
-        Emit(level == 0 ? EOp::OrShortCircuit : EOp::AndShortCircuit, -1);
-        ParseBinary(level + 1);
-        Emit(EOp::ToBool, 0);
-        PatchJump(jump);
-      } else if (level == 10) {
-        ParseBinary(level);  // right associative
-        Emit(EOp::Pow, -1);
-      } else {
-        ParseBinary(level + 1);
-        Emit(OpOf(op), -1);
-      }
-    }
-  }
-
-  void ParseUnary() {
-    CNest nest(*this);
-    if (m_token.kind == ETok::Op) {
-      const std::string_view op = m_token.text;
-      if (op == "-" || op == "+" || op == "~" || op == "!") {
-        Next();
-        ParseUnary();
-        if (op == "-") Emit(EOp::Neg, 0);
-        if (op == "~") Emit(EOp::BitNot, 0);
-        if (op == "!") Emit(EOp::LogNot, 0);
-        return;
-      }
-    }
-    ParsePrimary();
-  }
-
-  void ParsePrimary() {
-    if (m_token.kind == ETok::Number) {
-      Emit(EOp::PushConst, 1, 0, m_token.intValue, m_token.floatValue);
-      Next();
-      return;
-    }
-    if (m_token.kind == ETok::LParen) {
-      Next();
-      ParseTernary(0);
-      if (m_token.kind != ETok::RParen) Fail("')' expected");
-      Next();
-      return;
-    }
-    if (m_token.kind == ETok::Identifier) {
-      const std::string_view name = m_token.text;
-      const CToken nameToken = m_token;
-      Next();
-      if (m_token.kind == ETok::LParen) {
-        for (const CFunctionName& function : kFunctions) {
-          if (!SameIgnoringCase(name, function.name)) continue;
-          Next();
-          ParseTernary(0);
-          int arguments = 1;
-          if (m_token.kind == ETok::Comma) {
-            if (function.id != fROUND) Fail("too many arguments");
-            Next();
-            ParseTernary(0);
-            arguments = 2;
-          }
-          if (m_token.kind != ETok::RParen) Fail("')' expected");
-          Next();
-          Emit(arguments == 1 ? EOp::Func1 : EOp::Func2, arguments == 1 ? 0 : -1, function.id);
-          return;
-        }
-        m_token = nameToken;
-        Fail("unknown function");
-      }
-      bool found = false;
-      const int slot = m_set.SlotFor(name, found);
-      if (found) {
-        Emit(EOp::PushSlot, 1, slot);
-        return;
-      }
-      if (SameIgnoringCase(name, "PI")) {
-        Emit(EOp::PushConst, 1, 0, 3, 3.14159265358979323846);
-        return;
-      }
-      if (SameIgnoringCase(name, "E")) {
-        Emit(EOp::PushConst, 1, 0, 2, 2.71828182845904523536);
-        return;
-      }
-      if (SameIgnoringCase(name, "TRUE")) {
-        Emit(EOp::PushConst, 1, 0, 1, 1.0);
-        return;
-      }
-      if (SameIgnoringCase(name, "FALSE")) {
-        Emit(EOp::PushConst, 1, 0, 0, 0.0);
-        return;
-      }
-      m_token = nameToken;
-      Fail("unknown variable");
-    }
-    if (m_token.kind == ETok::End) Fail("unexpected end");
-    Fail("operand expected");
-  }
-
-  CFormulaSet& m_set;
-  std::string_view m_text;
-  const char* m_what;
-  CFormulaSet::CProgram& m_program;
-  size_t m_pos = 0;
-  CToken m_token;
-  int m_depth = 0;
-  int m_nesting = 0;
-};
-
-CFormulaSet::CFormulaSet(const CNode* owner, bool integerMode) : m_owner(owner), m_integerMode(integerMode) {}
-
-void CFormulaSet::AddNodeVariable(std::string name, CNode* node) {
+void CFormulaSet::AddNodeVariable(std::string name, IFormulaOperand* node) {
   m_variables.push_back({std::move(name), ESlot::Value, node, 0, 0.0, std::string(), -1, 0});
 }
 void CFormulaSet::AddConstant(std::string name, int64_t intValue, double floatValue) {
@@ -436,17 +98,16 @@ int CFormulaSet::SlotFor(std::string_view identifier, bool& found) {
 
 int CFormulaSet::Compile(std::string_view text, const char* what) {
   CProgram program;
-  CFormulaParser parser(*this, text, what, program);
-  parser.Parse();
+  CompileFormula(*this, text, what, program);
   m_programs.push_back(std::move(program));
   return static_cast<int>(m_programs.size() - 1);
 }
 
 void CFormulaSet::FinishCompiling() {
   std::unordered_map<std::string_view, size_t>().swap(m_variableIndex);
-  std::unordered_set<const CNode*>().swap(m_referencedSet);
+  std::unordered_set<const IFormulaOperand*>().swap(m_referencedSet);
   std::vector<CVariable>().swap(m_variables);
-  std::vector<CNode*>().swap(m_referencedNodes);
+  std::vector<IFormulaOperand*>().swap(m_referencedNodes);
   m_slots.shrink_to_fit();
   for (CProgram& program : m_programs) program.ops.shrink_to_fit();
 }
@@ -465,13 +126,13 @@ bool CFormulaSet::CheckSyntax(std::string_view text, bool integerMode) {
 template <>
 int64_t CFormulaSet::SlotValue<int64_t>(const CSlot& slot, const int64_t* externals, bool ignoreCache) const {
   switch (slot.kind) {
-    case ESlot::Value: return slot.node->GetInt(false, ignoreCache);
-    case ESlot::Min: return slot.node->IsFloatValued() ? ClampToInt64(slot.node->GetFloatMin()) : slot.node->GetIntMin();
-    case ESlot::Max: return slot.node->IsFloatValued() ? ClampToInt64(slot.node->GetFloatMax()) : slot.node->GetIntMax();
-    case ESlot::Inc: return slot.node->IsFloatValued() ? ClampToInt64(slot.node->GetFloatInc()) : slot.node->GetIntInc();
-    case ESlot::Constant: return slot.intValue;
-    case ESlot::Expression: return Run<int64_t>(slot.index, externals, ignoreCache);
-    case ESlot::External: return externals ? externals[slot.index] : 0;
+  case ESlot::Value: return slot.node->GetInt(false, ignoreCache);
+  case ESlot::Min: return slot.node->IsFloatValued() ? ClampToInt64(slot.node->GetFloatMin()) : slot.node->GetIntMin();
+  case ESlot::Max: return slot.node->IsFloatValued() ? ClampToInt64(slot.node->GetFloatMax()) : slot.node->GetIntMax();
+  case ESlot::Inc: return slot.node->IsFloatValued() ? ClampToInt64(slot.node->GetFloatInc()) : slot.node->GetIntInc();
+  case ESlot::Constant: return slot.intValue;
+  case ESlot::Expression: return Run<int64_t>(slot.index, externals, ignoreCache);
+  case ESlot::External: return externals ? externals[slot.index] : 0;
   }
   return 0;
 }
@@ -479,53 +140,56 @@ int64_t CFormulaSet::SlotValue<int64_t>(const CSlot& slot, const int64_t* extern
 template <>
 double CFormulaSet::SlotValue<double>(const CSlot& slot, const double* externals, bool ignoreCache) const {
   switch (slot.kind) {
-    case ESlot::Value: return slot.node->GetFloat(false, ignoreCache);
-    case ESlot::Min: return slot.node->GetFloatMin();
-    case ESlot::Max: return slot.node->GetFloatMax();
-    case ESlot::Inc: return slot.node->GetFloatInc();
-    case ESlot::Constant: return slot.floatValue;
-    case ESlot::Expression: return Run<double>(slot.index, externals, ignoreCache);
-    case ESlot::External: return externals ? externals[slot.index] : 0.0;
+  case ESlot::Value: return slot.node->GetFloat(false, ignoreCache);
+  case ESlot::Min: return slot.node->GetFloatMin();
+  case ESlot::Max: return slot.node->GetFloatMax();
+  case ESlot::Inc: return slot.node->GetFloatInc();
+  case ESlot::Constant: return slot.floatValue;
+  case ESlot::Expression: return Run<double>(slot.index, externals, ignoreCache);
+  case ESlot::External: return externals ? externals[slot.index] : 0.0;
   }
   return 0.0;
 }
 
 namespace {
 
-[[noreturn]] void ThrowDivision(const CNode* owner) {
+[[noreturn]] void ThrowDivision(const IFormulaOperand* owner) {
   throw RUNTIME_EXCEPTION("Node '%s': division by zero in formula", owner ? owner->Name().c_str() : "?");
 }
 
 double FloatFunction(int32_t id, double x) {
   switch (id) {
-    case fSGN: return x > 0 ? 1.0 : (x < 0 ? -1.0 : 0.0);
-    case fNEG: return -x;
-    case fATAN: return std::atan(x);
-    case fCOS: return std::cos(x);
-    case fSIN: return std::sin(x);
-    case fTAN: return std::tan(x);
-    case fABS: return std::fabs(x);
-    case fEXP: return std::exp(x);
-    case fLN: return std::log(x);
-    case fLG: return std::log10(x);
-    case fSQRT: return std::sqrt(x);
-    case fTRUNC: return std::trunc(x);
-    case fFLOOR: return std::floor(x);
-    case fCEIL: return std::ceil(x);
-    case fROUND: return std::round(x);
-    case fASIN: return std::asin(x);
-    case fACOS: return std::acos(x);
-    default: return x;
+  case fSGN: return x > 0 ? 1.0 : (x < 0 ? -1.0 : 0.0);
+  case fNEG: return -x;
+  case fATAN: return std::atan(x);
+  case fCOS: return std::cos(x);
+  case fSIN: return std::sin(x);
+  case fTAN: return std::tan(x);
+  case fABS: return std::fabs(x);
+  case fEXP: return std::exp(x);
+  case fLN: return std::log(x);
+  case fLG: return std::log10(x);
+  case fSQRT: return std::sqrt(x);
+  case fTRUNC: return std::trunc(x);
+  case fFLOOR: return std::floor(x);
+  case fCEIL: return std::ceil(x);
+  case fROUND: return std::round(x);
+  case fASIN: return std::asin(x);
+  case fACOS: return std::acos(x);
+  default: return x;
   }
 }
 
 int64_t IntFunction(int32_t id, int64_t x) {
   switch (id) {
-    case fSGN: return x > 0 ? 1 : (x < 0 ? -1 : 0);
-    case fNEG: return static_cast<int64_t>(0 - static_cast<uint64_t>(x));
-    case fABS: return x < 0 ? static_cast<int64_t>(0 - static_cast<uint64_t>(x)) : x;
-    case fTRUNC: case fFLOOR: case fCEIL: case fROUND: return x;
-    default: return ClampToInt64(FloatFunction(id, static_cast<double>(x)));
+  case fSGN: return x > 0 ? 1 : (x < 0 ? -1 : 0);
+  case fNEG: return static_cast<int64_t>(0 - static_cast<uint64_t>(x));
+  case fABS: return x < 0 ? static_cast<int64_t>(0 - static_cast<uint64_t>(x)) : x;
+  case fTRUNC:
+  case fFLOOR:
+  case fCEIL:
+  case fROUND: return x;
+  default: return ClampToInt64(FloatFunction(id, static_cast<double>(x)));
   }
 }
 
@@ -546,63 +210,62 @@ int64_t IntPower(int64_t base, int64_t exponent) {
   return static_cast<int64_t>(result);
 }
 
-int64_t IntBinary(EOp op, int64_t a, int64_t b, const CNode* owner) {
+int64_t IntBinary(EOp op, int64_t a, int64_t b, const IFormulaOperand* owner) {
   const uint64_t ua = static_cast<uint64_t>(a);
   const uint64_t ub = static_cast<uint64_t>(b);
   switch (op) {
-    case EOp::Add: return static_cast<int64_t>(ua + ub);
-    case EOp::Sub: return static_cast<int64_t>(ua - ub);
-    case EOp::Mul: return static_cast<int64_t>(ua * ub);
-    case EOp::Div:
-      if (b == 0) ThrowDivision(owner);
-      if (b == -1) return static_cast<int64_t>(0 - ua);
-      return a / b;
-    case EOp::Mod:
-      if (b == 0) ThrowDivision(owner);
-      if (b == -1) return 0;
-      return a % b;
-    case EOp::Pow: return IntPower(a, b);
-    case EOp::BitAnd: return a & b;
-    case EOp::BitOr: return a | b;
-    case EOp::BitXor: return a ^ b;
-    // Shift counts are taken modulo 64, as 64-bit processors do.
-    case EOp::Shl: return static_cast<int64_t>(ua << (ub & 63));
-    case EOp::Shr: return a >> (ub & 63);
-    case EOp::Eq: return a == b;
-    case EOp::Ne: return a != b;
-    case EOp::Lt: return a < b;
-    case EOp::Gt: return a > b;
-    case EOp::Le: return a <= b;
-    case EOp::Ge: return a >= b;
-    default: return 0;
+  case EOp::Add: return static_cast<int64_t>(ua + ub);
+  case EOp::Sub: return static_cast<int64_t>(ua - ub);
+  case EOp::Mul: return static_cast<int64_t>(ua * ub);
+  case EOp::Div:
+    if (b == 0) ThrowDivision(owner);
+    if (b == -1) return static_cast<int64_t>(0 - ua);
+    return a / b;
+  case EOp::Mod:
+    if (b == 0) ThrowDivision(owner);
+    if (b == -1) return 0;
+    return a % b;
+  case EOp::Pow: return IntPower(a, b);
+  case EOp::BitAnd: return a & b;
+  case EOp::BitOr: return a | b;
+  case EOp::BitXor: return a ^ b;
+  // Shift counts are taken modulo 64, as 64-bit processors do.
+  case EOp::Shl: return static_cast<int64_t>(ua << (ub & 63));
+  case EOp::Shr: return a >> (ub & 63);
+  case EOp::Eq: return a == b;
+  case EOp::Ne: return a != b;
+  case EOp::Lt: return a < b;
+  case EOp::Gt: return a > b;
+  case EOp::Le: return a <= b;
+  case EOp::Ge: return a >= b;
+  default: return 0;
   }
 }
 
-double FloatBinary(EOp op, double a, double b, const CNode* owner) {
+double FloatBinary(EOp op, double a, double b, const IFormulaOperand* owner) {
   switch (op) {
-    case EOp::Add: return a + b;
-    case EOp::Sub: return a - b;
-    case EOp::Mul: return a * b;
-    case EOp::Div:
-      if (b == 0.0) ThrowDivision(owner);
-      return a / b;
-    case EOp::Mod:
-      if (b == 0.0) ThrowDivision(owner);
-      return std::fmod(a, b);
-    case EOp::Pow: return std::pow(a, b);
-    case EOp::Eq: return a == b ? 1.0 : 0.0;
-    case EOp::Ne: return a != b ? 1.0 : 0.0;
-    case EOp::Lt: return a < b ? 1.0 : 0.0;
-    case EOp::Gt: return a > b ? 1.0 : 0.0;
-    case EOp::Le: return a <= b ? 1.0 : 0.0;
-    case EOp::Ge: return a >= b ? 1.0 : 0.0;
-    default:
-      return static_cast<double>(IntBinary(op, ClampToInt64(a), ClampToInt64(b), owner));
+  case EOp::Add: return a + b;
+  case EOp::Sub: return a - b;
+  case EOp::Mul: return a * b;
+  case EOp::Div:
+    if (b == 0.0) ThrowDivision(owner);
+    return a / b;
+  case EOp::Mod:
+    if (b == 0.0) ThrowDivision(owner);
+    return std::fmod(a, b);
+  case EOp::Pow: return std::pow(a, b);
+  case EOp::Eq: return a == b ? 1.0 : 0.0;
+  case EOp::Ne: return a != b ? 1.0 : 0.0;
+  case EOp::Lt: return a < b ? 1.0 : 0.0;
+  case EOp::Gt: return a > b ? 1.0 : 0.0;
+  case EOp::Le: return a <= b ? 1.0 : 0.0;
+  case EOp::Ge: return a >= b ? 1.0 : 0.0;
+  default: return static_cast<double>(IntBinary(op, ClampToInt64(a), ClampToInt64(b), owner));
   }
 }
 
-inline int64_t Binary(EOp op, int64_t a, int64_t b, const CNode* owner) { return IntBinary(op, a, b, owner); }
-inline double Binary(EOp op, double a, double b, const CNode* owner) { return FloatBinary(op, a, b, owner); }
+inline int64_t Binary(EOp op, int64_t a, int64_t b, const IFormulaOperand* owner) { return IntBinary(op, a, b, owner); }
+inline double Binary(EOp op, double a, double b, const IFormulaOperand* owner) { return FloatBinary(op, a, b, owner); }
 inline int64_t Unary1(int32_t id, int64_t x) { return IntFunction(id, x); }
 inline double Unary1(int32_t id, double x) { return FloatFunction(id, x); }
 inline int64_t Round2(int64_t x, int64_t) { return x; }
@@ -629,37 +292,39 @@ T CFormulaSet::Run(int programIndex, const T* externals, bool ignoreCache) const
   for (size_t pc = 0; pc < count;) {
     const COp& op = ops[pc++];
     switch (op.code) {
-      case EOp::PushConst: stack[top++] = Const(op, T()); break;
-      case EOp::PushSlot: stack[top++] = SlotValue<T>(m_slots[static_cast<size_t>(op.arg)], externals, ignoreCache); break;
-      case EOp::Neg: stack[top - 1] = Negate(stack[top - 1]); break;
-      case EOp::BitNot: stack[top - 1] = BitNot(stack[top - 1]); break;
-      case EOp::LogNot: stack[top - 1] = stack[top - 1] == T() ? T(1) : T(0); break;
-      case EOp::ToBool: stack[top - 1] = stack[top - 1] != T() ? T(1) : T(0); break;
-      case EOp::JumpIfZero:
-        if (stack[--top] == T()) pc = static_cast<size_t>(op.arg);
-        break;
-      case EOp::Jump: pc = static_cast<size_t>(op.arg); break;
-      case EOp::AndShortCircuit:
-        if (stack[--top] == T()) {
-          stack[top++] = T(0);
-          pc = static_cast<size_t>(op.arg);
-        }
-        break;
-      case EOp::OrShortCircuit:
-        if (stack[--top] != T()) {
-          stack[top++] = T(1);
-          pc = static_cast<size_t>(op.arg);
-        }
-        break;
-      case EOp::Func1: stack[top - 1] = Unary1(op.arg, stack[top - 1]); break;
-      case EOp::Func2:
-        --top;
-        stack[top - 1] = Round2(stack[top - 1], stack[top]);
-        break;
-      default:
-        --top;
-        stack[top - 1] = Binary(op.code, stack[top - 1], stack[top], m_owner);
-        break;
+    case EOp::PushConst: stack[top++] = Const(op, T()); break;
+    case EOp::PushSlot:
+      stack[top++] = SlotValue<T>(m_slots[static_cast<size_t>(op.arg)], externals, ignoreCache);
+      break;
+    case EOp::Neg: stack[top - 1] = Negate(stack[top - 1]); break;
+    case EOp::BitNot: stack[top - 1] = BitNot(stack[top - 1]); break;
+    case EOp::LogNot: stack[top - 1] = stack[top - 1] == T() ? T(1) : T(0); break;
+    case EOp::ToBool: stack[top - 1] = stack[top - 1] != T() ? T(1) : T(0); break;
+    case EOp::JumpIfZero:
+      if (stack[--top] == T()) pc = static_cast<size_t>(op.arg);
+      break;
+    case EOp::Jump: pc = static_cast<size_t>(op.arg); break;
+    case EOp::AndShortCircuit:
+      if (stack[--top] == T()) {
+        stack[top++] = T(0);
+        pc = static_cast<size_t>(op.arg);
+      }
+      break;
+    case EOp::OrShortCircuit:
+      if (stack[--top] != T()) {
+        stack[top++] = T(1);
+        pc = static_cast<size_t>(op.arg);
+      }
+      break;
+    case EOp::Func1: stack[top - 1] = Unary1(op.arg, stack[top - 1]); break;
+    case EOp::Func2:
+      --top;
+      stack[top - 1] = Round2(stack[top - 1], stack[top]);
+      break;
+    default:
+      --top;
+      stack[top - 1] = Binary(op.code, stack[top - 1], stack[top], m_owner);
+      break;
     }
   }
   return top > 0 ? stack[top - 1] : T();

@@ -8,10 +8,10 @@
 #include <unordered_set>
 #include <vector>
 
+#include "formula/FormulaOperand.h"
+
 namespace GenApi {
 namespace Engine {
-
-class CNode;
 
 class CFormulaSet {
 public:
@@ -19,10 +19,10 @@ public:
   static constexpr int kMaxNesting = 300;
 
   // owner names the node in error messages; integerMode selects 64-bit integer evaluation.
-  CFormulaSet(const CNode* owner, bool integerMode);
+  CFormulaSet(const IFormulaOperand* owner, bool integerMode);
 
   // Variables, declared before compiling. Later declarations of the same name replace earlier ones.
-  void AddNodeVariable(std::string name, CNode* node);
+  void AddNodeVariable(std::string name, IFormulaOperand* node);
   void AddConstant(std::string name, int64_t intValue, double floatValue);
   void AddExpression(std::string name, std::string text);
   // A value passed in at evaluation time (FROM / TO of converters), by index into the externals array.
@@ -34,11 +34,14 @@ public:
 
   int64_t EvaluateInt(int program, const int64_t* externals, bool ignoreCache) const;
   double EvaluateFloat(int program, const double* externals, bool ignoreCache) const;
+  // EvaluateInt for int64_t, EvaluateFloat for double.
+  template <class T>
+  T Evaluate(int program, const T* externals, bool ignoreCache) const;
 
   // Drops what only compiling needs (variable names and texts); call once every program is compiled.
   void FinishCompiling();
   // The nodes the compiled programs read (for dependency edges).
-  const std::vector<CNode*>& ReferencedNodes() const { return m_referencedNodes; }
+  const std::vector<IFormulaOperand*>& ReferencedNodes() const { return m_referencedNodes; }
   bool IntegerMode() const { return m_integerMode; }
 
   // Syntax check only: every identifier is accepted as a variable.
@@ -54,7 +57,7 @@ public:
   enum class ESlot : uint8_t { Value, Min, Max, Inc, Constant, Expression, External };
   struct CSlot {
     ESlot kind;
-    CNode* node;
+    IFormulaOperand* node;
     int64_t intValue;
     double floatValue;
     int index;  // expression program or external index
@@ -62,7 +65,7 @@ public:
   struct CVariable {
     std::string name;
     ESlot kind;  // Value (node), Constant, Expression, External
-    CNode* node;
+    IFormulaOperand* node;
     int64_t intValue;
     double floatValue;
     std::string text;  // expression text
@@ -82,17 +85,26 @@ private:
   template <class T>
   T SlotValue(const CSlot& slot, const T* externals, bool ignoreCache) const;
 
-  const CNode* m_owner;
+  const IFormulaOperand* m_owner;
   bool m_integerMode;
   bool m_acceptAnyIdentifier = false;
   std::vector<CVariable> m_variables;
   std::unordered_map<std::string_view, size_t> m_variableIndex;  // name -> last declaration, built at first use
-  size_t m_indexedVariables = 0;                                  // declarations the index covers
-  std::unordered_set<const CNode*> m_referencedSet;
+  size_t m_indexedVariables = 0;                                 // declarations the index covers
+  std::unordered_set<const IFormulaOperand*> m_referencedSet;
   std::vector<CSlot> m_slots;
   std::vector<CProgram> m_programs;
-  std::vector<CNode*> m_referencedNodes;
+  std::vector<IFormulaOperand*> m_referencedNodes;
 };
+
+template <>
+inline int64_t CFormulaSet::Evaluate<int64_t>(int program, const int64_t* externals, bool ignoreCache) const {
+  return EvaluateInt(program, externals, ignoreCache);
+}
+template <>
+inline double CFormulaSet::Evaluate<double>(int program, const double* externals, bool ignoreCache) const {
+  return EvaluateFloat(program, externals, ignoreCache);
+}
 
 }  // namespace Engine
 }  // namespace GenApi

@@ -11,13 +11,26 @@
 
 #include <GCBase/GCException.h>
 
-#include "load/LoadContext.h"
-#include "load/NumberParsing.h"
-#include "nodes/EnumerationNodes.h"
-#include "nodes/FormulaNodes.h"
+#include "base/NumberParsing.h"
+#include "nodes/Boolean.h"
+#include "nodes/Category.h"
+#include "nodes/Command.h"
+#include "nodes/Converter.h"
+#include "nodes/Enumeration.h"
+#include "nodes/Float.h"
+#include "nodes/FloatReg.h"
+#include "nodes/IntConverter.h"
+#include "nodes/IntReg.h"
+#include "nodes/IntSwissKnife.h"
+#include "nodes/Integer.h"
+#include "nodes/LoadContext.h"
 #include "nodes/NodeMap.h"
-#include "nodes/RegisterNodes.h"
-#include "nodes/ValueNodes.h"
+#include "nodes/PlainNode.h"
+#include "nodes/Port.h"
+#include "nodes/RawRegister.h"
+#include "nodes/String.h"
+#include "nodes/StringReg.h"
+#include "nodes/SwissKnife.h"
 
 namespace GenApi {
 namespace Engine {
@@ -25,46 +38,80 @@ namespace Engine {
 namespace {
 
 enum class EKind {
-  Unknown, Group, Integer, IntReg, MaskedIntReg, Float, FloatReg, Boolean, Command, Enumeration, String, StringReg,
-  Register, StructReg, SwissKnife, IntSwissKnife, Converter, IntConverter, Category, Port, Plain
+  Unknown,
+  Group,
+  Integer,
+  IntReg,
+  MaskedIntReg,
+  Float,
+  FloatReg,
+  Boolean,
+  Command,
+  Enumeration,
+  String,
+  StringReg,
+  Register,
+  StructReg,
+  SwissKnife,
+  IntSwissKnife,
+  Converter,
+  IntConverter,
+  Category,
+  Port,
+  Plain
 };
 
 EKind KindOf(const char* name) {
-  static const std::unordered_map<std::string_view, EKind> kKinds = {
-      {"Group", EKind::Group},           {"Integer", EKind::Integer},         {"IntReg", EKind::IntReg},
-      {"MaskedIntReg", EKind::MaskedIntReg}, {"Float", EKind::Float},         {"FloatReg", EKind::FloatReg},
-      {"Boolean", EKind::Boolean},       {"Command", EKind::Command},         {"Enumeration", EKind::Enumeration},
-      {"String", EKind::String},         {"StringReg", EKind::StringReg},     {"Register", EKind::Register},
-      {"StructReg", EKind::StructReg},   {"SwissKnife", EKind::SwissKnife},   {"IntSwissKnife", EKind::IntSwissKnife},
-      {"Converter", EKind::Converter},   {"IntConverter", EKind::IntConverter}, {"Category", EKind::Category},
-      {"Port", EKind::Port},             {"ConfRom", EKind::Plain},           {"TextDesc", EKind::Plain},
-      {"IntKey", EKind::Plain},          {"AdvFeatureLock", EKind::Plain},    {"SmartFeature", EKind::Plain},
-      {"Node", EKind::Plain}};
+  static const std::unordered_map<std::string_view, EKind> kKinds = {{"Group", EKind::Group},
+                                                                     {"Integer", EKind::Integer},
+                                                                     {"IntReg", EKind::IntReg},
+                                                                     {"MaskedIntReg", EKind::MaskedIntReg},
+                                                                     {"Float", EKind::Float},
+                                                                     {"FloatReg", EKind::FloatReg},
+                                                                     {"Boolean", EKind::Boolean},
+                                                                     {"Command", EKind::Command},
+                                                                     {"Enumeration", EKind::Enumeration},
+                                                                     {"String", EKind::String},
+                                                                     {"StringReg", EKind::StringReg},
+                                                                     {"Register", EKind::Register},
+                                                                     {"StructReg", EKind::StructReg},
+                                                                     {"SwissKnife", EKind::SwissKnife},
+                                                                     {"IntSwissKnife", EKind::IntSwissKnife},
+                                                                     {"Converter", EKind::Converter},
+                                                                     {"IntConverter", EKind::IntConverter},
+                                                                     {"Category", EKind::Category},
+                                                                     {"Port", EKind::Port},
+                                                                     {"ConfRom", EKind::Plain},
+                                                                     {"TextDesc", EKind::Plain},
+                                                                     {"IntKey", EKind::Plain},
+                                                                     {"AdvFeatureLock", EKind::Plain},
+                                                                     {"SmartFeature", EKind::Plain},
+                                                                     {"Node", EKind::Plain}};
   const auto it = kKinds.find(std::string_view(name));
   return it == kKinds.end() ? EKind::Unknown : it->second;
 }
 
 std::unique_ptr<CNode> MakeNode(EKind kind, CNodeMapImpl& map, std::string name) {
   switch (kind) {
-    case EKind::Integer: return std::make_unique<CIntegerNode>(map, std::move(name));
-    case EKind::IntReg: return std::make_unique<CIntRegNode>(map, std::move(name), false);
-    case EKind::MaskedIntReg: return std::make_unique<CIntRegNode>(map, std::move(name), true);
-    case EKind::Float: return std::make_unique<CFloatNode>(map, std::move(name));
-    case EKind::FloatReg: return std::make_unique<CFloatRegNode>(map, std::move(name));
-    case EKind::Boolean: return std::make_unique<CBooleanNode>(map, std::move(name));
-    case EKind::Command: return std::make_unique<CCommandNode>(map, std::move(name));
-    case EKind::Enumeration: return std::make_unique<CEnumerationNode>(map, std::move(name));
-    case EKind::String: return std::make_unique<CStringNode>(map, std::move(name));
-    case EKind::StringReg: return std::make_unique<CStringRegNode>(map, std::move(name));
-    case EKind::Register: return std::make_unique<CRawRegisterNode>(map, std::move(name));
-    case EKind::SwissKnife: return std::make_unique<CSwissKnifeNode>(map, std::move(name));
-    case EKind::IntSwissKnife: return std::make_unique<CIntSwissKnifeNode>(map, std::move(name));
-    case EKind::Converter: return std::make_unique<CConverterNode>(map, std::move(name));
-    case EKind::IntConverter: return std::make_unique<CIntConverterNode>(map, std::move(name));
-    case EKind::Category: return std::make_unique<CCategoryNode>(map, std::move(name));
-    case EKind::Port: return std::make_unique<CPortNode>(map, std::move(name));
-    case EKind::Plain: return std::make_unique<CPlainNode>(map, std::move(name));
-    default: return nullptr;
+  case EKind::Integer: return std::make_unique<CIntegerNode>(map, std::move(name));
+  case EKind::IntReg: return std::make_unique<CIntRegNode>(map, std::move(name), false);
+  case EKind::MaskedIntReg: return std::make_unique<CIntRegNode>(map, std::move(name), true);
+  case EKind::Float: return std::make_unique<CFloatNode>(map, std::move(name));
+  case EKind::FloatReg: return std::make_unique<CFloatRegNode>(map, std::move(name));
+  case EKind::Boolean: return std::make_unique<CBooleanNode>(map, std::move(name));
+  case EKind::Command: return std::make_unique<CCommandNode>(map, std::move(name));
+  case EKind::Enumeration: return std::make_unique<CEnumerationNode>(map, std::move(name));
+  case EKind::String: return std::make_unique<CStringNode>(map, std::move(name));
+  case EKind::StringReg: return std::make_unique<CStringRegNode>(map, std::move(name));
+  case EKind::Register: return std::make_unique<CRawRegisterNode>(map, std::move(name));
+  case EKind::SwissKnife: return std::make_unique<CSwissKnifeNode>(map, std::move(name));
+  case EKind::IntSwissKnife: return std::make_unique<CIntSwissKnifeNode>(map, std::move(name));
+  case EKind::Converter: return std::make_unique<CConverterNode>(map, std::move(name));
+  case EKind::IntConverter: return std::make_unique<CIntConverterNode>(map, std::move(name));
+  case EKind::Category: return std::make_unique<CCategoryNode>(map, std::move(name));
+  case EKind::Port: return std::make_unique<CPortNode>(map, std::move(name));
+  case EKind::Plain: return std::make_unique<CPlainNode>(map, std::move(name));
+  default: return nullptr;
   }
 }
 
@@ -248,12 +295,12 @@ void GroupRegisters(CNodeMapImpl& map) {
   };
   std::vector<CRange> ranges;
   for (auto& owned : map.AllNodes()) {
-    auto* reg = dynamic_cast<CRegisterBase*>(owned.get());
-    if (reg == nullptr || !reg->Core().HasFixedAddress() || reg->Core().Port() == nullptr) continue;
-    const int64_t begin = reg->Core().FixedAddress();
-    const int64_t length = std::max<int64_t>(reg->Core().FixedLength(), 1);
+    CRegisterCore* reg = owned->RegisterCore();
+    if (reg == nullptr || !reg->HasFixedAddress() || reg->Port() == nullptr) continue;
+    const int64_t begin = reg->FixedAddress();
+    const int64_t length = std::max<int64_t>(reg->FixedLength(), 1);
     const int64_t end = begin > INT64_MAX - length ? INT64_MAX : begin + length;
-    ranges.push_back({reg->Core().Port(), begin, end, reg});
+    ranges.push_back({reg->Port(), begin, end, owned.get()});
   }
   std::sort(ranges.begin(), ranges.end(), [](const CRange& a, const CRange& b) {
     return a.port != b.port ? std::less<const CPortNode*>()(a.port, b.port) : a.begin < b.begin;
@@ -298,8 +345,8 @@ void ReadRootAttributes(CNodeMapImpl& map, const pugi::xml_node& root) {
 
 std::unique_ptr<CNodeMapImpl> LoadNodeMap(const char* text, size_t size, const std::string& deviceName) {
   pugi::xml_document document;
-  const pugi::xml_parse_result parsed =
-      document.load_buffer(text, size, pugi::parse_cdata | pugi::parse_escapes, pugi::encoding_auto);
+  const pugi::xml_parse_result parsed = document.load_buffer(text, size, pugi::parse_cdata | pugi::parse_escapes,
+                                                             pugi::encoding_auto);
   const std::string_view view(text, size);
   if (!parsed) {
     const size_t offset = parsed.offset > 0 ? std::min(static_cast<size_t>(parsed.offset), size) : 0;

@@ -37,10 +37,10 @@ long ZCALLBACK SeekStream(voidpf, voidpf stream, ZPOS64_T offset, int origin) {
   auto* memory = static_cast<CMemoryStream*>(stream);
   ZPOS64_T base = 0;
   switch (origin) {
-    case ZLIB_FILEFUNC_SEEK_CUR: base = memory->position; break;
-    case ZLIB_FILEFUNC_SEEK_END: base = memory->size; break;
-    case ZLIB_FILEFUNC_SEEK_SET: base = 0; break;
-    default: return -1;
+  case ZLIB_FILEFUNC_SEEK_CUR: base = memory->position; break;
+  case ZLIB_FILEFUNC_SEEK_END: base = memory->size; break;
+  case ZLIB_FILEFUNC_SEEK_SET: base = 0; break;
+  default: return -1;
   }
   if (offset > memory->size || base > memory->size - offset) return -1;
   memory->position = base + offset;

@@ -6,7 +6,7 @@
 #include <limits>
 #include <unordered_set>
 
-#include "load/LoadContext.h"
+#include "nodes/LoadContext.h"
 #include "nodes/NodeMap.h"
 
 namespace GenApi {
@@ -81,7 +81,9 @@ ECachingMode CNode::GetCachingMode() const { return NoCache; }
 
 namespace {
 // The link lists hold every node once (RemoveDuplicateLinks ran after loading).
-void AppendUnique(NodeList_t& list, const std::vector<CNode*>& nodes) { list.insert(list.end(), nodes.begin(), nodes.end()); }
+void AppendUnique(NodeList_t& list, const std::vector<CNode*>& nodes) {
+  list.insert(list.end(), nodes.begin(), nodes.end());
+}
 
 void RemoveDuplicates(std::vector<CNode*>& nodes) {
   if (nodes.size() < 2) return;
@@ -107,28 +109,28 @@ void CNode::GetChildren(NodeList_t& Children, ELinkType LinkType) const {
   CEntryGuard guard(m_map);
   Children.clear();
   switch (LinkType) {
-    case ctReadingChildren: AppendUnique(Children, m_readingChildren); break;
-    case ctWritingChildren: AppendUnique(Children, m_writingChildren); break;
-    case ctInvalidatingChildren: AppendUnique(Children, m_invalidators); break;
-    case ctDependingNodes: AppendUnique(Children, m_dependents); break;
-    case ctValueChangingChildren: AppendUnique(Children, m_writingChildren); break;
-    case ctTerminalNodes: {
-      // The registers a node's value comes from (where reading children end at a port).
-      std::vector<const CNode*> stack{this};
-      std::unordered_set<const CNode*> seen;
-      while (!stack.empty()) {
-        const CNode* node = stack.back();
-        stack.pop_back();
-        if (!seen.insert(node).second) continue;
-        if (dynamic_cast<const IRegister*>(node) != nullptr) {
-          Children.push_back(const_cast<CNode*>(node));
-          continue;
-        }
-        for (CNode* child : node->m_readingChildren) stack.push_back(child);
+  case ctReadingChildren: AppendUnique(Children, m_readingChildren); break;
+  case ctWritingChildren: AppendUnique(Children, m_writingChildren); break;
+  case ctInvalidatingChildren: AppendUnique(Children, m_invalidators); break;
+  case ctDependingNodes: AppendUnique(Children, m_dependents); break;
+  case ctValueChangingChildren: AppendUnique(Children, m_writingChildren); break;
+  case ctTerminalNodes: {
+    // The registers a node's value comes from (where reading children end at a port).
+    std::vector<const CNode*> stack{this};
+    std::unordered_set<const CNode*> seen;
+    while (!stack.empty()) {
+      const CNode* node = stack.back();
+      stack.pop_back();
+      if (!seen.insert(node).second) continue;
+      if (dynamic_cast<const IRegister*>(node) != nullptr) {
+        Children.push_back(const_cast<CNode*>(node));
+        continue;
       }
-      break;
+      for (CNode* child : node->m_readingChildren) stack.push_back(child);
     }
-    case ctParentNodes: AppendUnique(Children, m_dependents); break;
+    break;
+  }
+  case ctParentNodes: AppendUnique(Children, m_dependents); break;
   }
 }
 
@@ -224,13 +226,33 @@ EAccessMode CNode::ComputeAccessMode() {
   return mode;
 }
 
+namespace {
+enum class ECondition { False, True, Unreadable };
+
+// A pIsImplemented, pIsAvailable or pIsLocked condition. One that cannot be read right now (it reads a chunk port
+// without chunk data, a port not connected) is reported as such: asking whether a node can be used must not fail for
+// a state that is normal between images.
+ECondition ReadCondition(CNode& condition) {
+  try {
+    return condition.GetInt(false, false) != 0 ? ECondition::True : ECondition::False;
+  } catch (const GenICam::AccessException&) {
+    return ECondition::Unreadable;
+  }
+}
+}  // namespace
+
 EAccessMode CNode::ComputeAccessModeUncached() {
   CDepthGuard depth(*this);
-  if (m_pIsImplemented != nullptr && m_pIsImplemented->GetInt(false, false) == 0) return NI;
-  if (m_pIsAvailable != nullptr && m_pIsAvailable->GetInt(false, false) == 0) return NA;
+  if (m_pIsImplemented != nullptr) {
+    const ECondition implemented = ReadCondition(*m_pIsImplemented);
+    if (implemented == ECondition::False) return NI;
+    if (implemented == ECondition::Unreadable) return NA;
+  }
+  if (m_pIsAvailable != nullptr && ReadCondition(*m_pIsAvailable) != ECondition::True) return NA;
   EAccessMode mode = OwnAccessMode();
   if (mode == NI || mode == NA) return mode;
-  if (m_pIsLocked != nullptr && (mode == RW || mode == WO) && m_pIsLocked->GetInt(false, false) != 0) {
+  // A lock that cannot be read is not held.
+  if (m_pIsLocked != nullptr && (mode == RW || mode == WO) && ReadCondition(*m_pIsLocked) == ECondition::True) {
     mode = mode == RW ? RO : NA;
   }
   mode = Combine(mode, m_imposedAccess);
@@ -314,65 +336,60 @@ void CNode::Configure(CLoadContext& context, const pugi::xml_node& element) {
 
 bool CNode::ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) {
   switch (id) {
-    case EElement::ToolTip: Texts().toolTip = std::string(CLoadContext::Text(child)); return true;
-    case EElement::Description: Texts().description = std::string(CLoadContext::Text(child)); return true;
-    case EElement::DisplayName: Texts().displayName = std::string(CLoadContext::Text(child)); return true;
-    case EElement::DocuURL: Texts().docuURL = std::string(CLoadContext::Text(child)); return true;
-    case EElement::EventID: Texts().eventID = std::string(CLoadContext::Text(child)); return true;
-    case EElement::IsDeprecated: m_isDeprecated = context.YesNo(*this, child); return true;
-    case EElement::Streamable: m_streamable = context.YesNo(*this, child); return true;
-    case EElement::Visibility: {
-      const std::string_view text = CLoadContext::Text(child);
-      if (text == "Beginner") m_visibility = Beginner;
-      else if (text == "Expert") m_visibility = Expert;
-      else if (text == "Guru") m_visibility = Guru;
-      else if (text == "Invisible") m_visibility = Invisible;
-      else context.Fail(this, child, "unknown visibility");
-      return true;
-    }
-    case EElement::ImposedAccessMode: {
-      const std::string_view text = CLoadContext::Text(child);
-      if (text == "RW") m_imposedAccess = RW;
-      else if (text == "RO") m_imposedAccess = RO;
-      else if (text == "WO") m_imposedAccess = WO;
-      else if (text == "NA") m_imposedAccess = NA;
-      else if (text == "NI") m_imposedAccess = NI;
-      else context.Fail(this, child, "unknown access mode");
-      return true;
-    }
-    case EElement::pIsImplemented: m_pIsImplemented = context.Resolve(*this, child); return true;
-    case EElement::pIsAvailable: m_pIsAvailable = context.Resolve(*this, child); return true;
-    case EElement::pIsLocked: m_pIsLocked = context.Resolve(*this, child); return true;
-    case EElement::pError: m_pError = context.Resolve(*this, child, false); return true;
-    case EElement::pAlias: m_pAlias = context.Resolve(*this, child, false); return true;
-    case EElement::pCastAlias: m_pCastAlias = context.Resolve(*this, child, false); return true;
-    case EElement::pBlockPolling: context.Resolve(*this, child, false); return true;
-    // Repeated entries are removed once loading is done (RemoveDuplicateLinks).
-    case EElement::pInvalidator: {
-      CNode* invalidator = context.Resolve(*this, child, false);
-      m_invalidators.push_back(invalidator);
-      invalidator->m_invalidates.push_back(this);
-      return true;
-    }
-    case EElement::pSelected: {
-      CNode* selected = context.Resolve(*this, child, false);
-      m_selected.push_back(selected);
-      selected->m_selecting.push_back(this);
-      // A selector change changes what the selected feature shows.
-      m_dependents.push_back(selected);
-      return true;
-    }
-    case EElement::PollingTime: m_pollingTime = context.Integer(*this, child); return true;
-    default: return false;
+  case EElement::ToolTip: Texts().toolTip = std::string(CLoadContext::Text(child)); return true;
+  case EElement::Description: Texts().description = std::string(CLoadContext::Text(child)); return true;
+  case EElement::DisplayName: Texts().displayName = std::string(CLoadContext::Text(child)); return true;
+  case EElement::DocuURL: Texts().docuURL = std::string(CLoadContext::Text(child)); return true;
+  case EElement::EventID: Texts().eventID = std::string(CLoadContext::Text(child)); return true;
+  case EElement::IsDeprecated: m_isDeprecated = context.YesNo(*this, child); return true;
+  case EElement::Streamable: m_streamable = context.YesNo(*this, child); return true;
+  case EElement::Visibility: {
+    const std::string_view text = CLoadContext::Text(child);
+    if (text == "Beginner") m_visibility = Beginner;
+    else if (text == "Expert") m_visibility = Expert;
+    else if (text == "Guru") m_visibility = Guru;
+    else if (text == "Invisible") m_visibility = Invisible;
+    else context.Fail(this, child, "unknown visibility");
+    return true;
+  }
+  case EElement::ImposedAccessMode: {
+    const std::string_view text = CLoadContext::Text(child);
+    if (text == "RW") m_imposedAccess = RW;
+    else if (text == "RO") m_imposedAccess = RO;
+    else if (text == "WO") m_imposedAccess = WO;
+    else if (text == "NA") m_imposedAccess = NA;
+    else if (text == "NI") m_imposedAccess = NI;
+    else context.Fail(this, child, "unknown access mode");
+    return true;
+  }
+  case EElement::pIsImplemented: m_pIsImplemented = context.Resolve(*this, child); return true;
+  case EElement::pIsAvailable: m_pIsAvailable = context.Resolve(*this, child); return true;
+  case EElement::pIsLocked: m_pIsLocked = context.Resolve(*this, child); return true;
+  case EElement::pError: m_pError = context.Resolve(*this, child, false); return true;
+  case EElement::pAlias: m_pAlias = context.Resolve(*this, child, false); return true;
+  case EElement::pCastAlias: m_pCastAlias = context.Resolve(*this, child, false); return true;
+  case EElement::pBlockPolling: context.Resolve(*this, child, false); return true;
+  // Repeated entries are removed once loading is done (RemoveDuplicateLinks).
+  case EElement::pInvalidator: {
+    CNode* invalidator = context.Resolve(*this, child, false);
+    m_invalidators.push_back(invalidator);
+    invalidator->m_invalidates.push_back(this);
+    return true;
+  }
+  case EElement::pSelected: {
+    CNode* selected = context.Resolve(*this, child, false);
+    m_selected.push_back(selected);
+    selected->m_selecting.push_back(this);
+    // A selector change changes what the selected feature shows.
+    m_dependents.push_back(selected);
+    return true;
+  }
+  case EElement::PollingTime: m_pollingTime = context.Integer(*this, child); return true;
+  default: return false;
   }
 }
 
 void CNode::FinishLoading(CLoadContext&) {}
-
-bool CValueNode::IsValueCacheValid() const {
-  CEntryGuard guard(m_map);
-  return CacheValid();
-}
 
 }  // namespace Engine
 }  // namespace GenApi

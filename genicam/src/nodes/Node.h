@@ -11,6 +11,8 @@
 #include <GenApi/NodeCallback.h>
 #include <GenApi/Pointer.h>
 
+#include "formula/FormulaOperand.h"
+
 namespace pugi {
 class xml_node;
 }
@@ -21,6 +23,7 @@ namespace Engine {
 class CNodeMapImpl;
 class CLoadContext;
 class CNode;
+class CRegisterCore;
 enum class EElement : uint8_t;
 
 // An integer that is either a constant from the description or the value of another node.
@@ -39,7 +42,7 @@ struct CFloatRef {
   double Get(bool ignoreCache = false) const;
 };
 
-class CNode : public virtual INode, public virtual ISelector {
+class CNode : public virtual INode, public virtual ISelector, public IFormulaOperand {
 public:
   CNode(CNodeMapImpl& map, std::string name, EInterfaceType principal);
   ~CNode() override;
@@ -86,7 +89,7 @@ public:
   void GetSelectingFeatures(FeatureList_t& Features) const override;
 
   // ---- engine-internal interface (callers hold the node map's lock) ----
-  const std::string& Name() const { return m_name; }
+  const std::string& Name() const override { return m_name; }
   CNodeMapImpl& Map() const { return m_map; }
   static INode* AsINode(CNode* node) { return node; }
 
@@ -96,28 +99,30 @@ public:
   // The node type's own access mode (target, register and port) before the common elements are applied.
   virtual EAccessMode OwnAccessMode() { return RO; }
 
-  virtual int64_t GetInt(bool verify, bool ignoreCache);
-  virtual double GetFloat(bool verify, bool ignoreCache);
+  int64_t GetInt(bool verify, bool ignoreCache) override;
+  double GetFloat(bool verify, bool ignoreCache) override;
   virtual void SetInt(int64_t value, bool verify);
   virtual void SetFloat(double value, bool verify);
   virtual std::string GetStr(bool verify, bool ignoreCache);
   virtual void SetStr(const std::string& value, bool verify);
-  virtual int64_t GetIntMin();
-  virtual int64_t GetIntMax();
-  virtual int64_t GetIntInc();
-  virtual double GetFloatMin();
-  virtual double GetFloatMax();
+  int64_t GetIntMin() override;
+  int64_t GetIntMax() override;
+  int64_t GetIntInc() override;
+  double GetFloatMin() override;
+  double GetFloatMax() override;
   virtual bool HasFloatInc() { return false; }
-  virtual double GetFloatInc();
+  double GetFloatInc() override;
   // True for nodes whose value is a number (used to pick defaults and conversions).
   virtual bool IsNumeric() const { return false; }
-  virtual bool IsFloatValued() const { return false; }
+  bool IsFloatValued() const override { return false; }
   // Enumerations: the value of the entry with that symbolic name.
-  virtual bool FindEntryValue(std::string_view, int64_t&) { return false; }
+  bool FindEntryValue(std::string_view, int64_t&) override { return false; }
   // Drops the node's own cached value (registers); propagation is the node map's job.
   virtual void DropCache() {}
   virtual bool HasCache() const { return false; }
   virtual bool CacheValid() const { return false; }
+  // Register nodes: their address, length, port and byte cache.
+  virtual CRegisterCore* RegisterCore() { return nullptr; }
 
   // Loading: common elements here, type-specific ones in the override. Returns false for elements the type ignores.
   void Configure(CLoadContext& context, const pugi::xml_node& element);
@@ -136,13 +141,13 @@ public:
   void ValueChanged();
 
   // Graph edges, filled by the loader.
-  std::vector<CNode*> m_readingChildren;  // nodes this node reads (value, address, access)
-  std::vector<CNode*> m_writingChildren;  // nodes this node writes
-  std::vector<CNode*> m_dependents;       // nodes that read this node
-  std::vector<CNode*> m_invalidators;     // pInvalidator entries of this node
-  std::vector<CNode*> m_invalidates;      // nodes that list this node as pInvalidator
-  std::vector<CNode*> m_selected;         // pSelected
-  std::vector<CNode*> m_selecting;        // nodes whose pSelected names this node
+  std::vector<CNode*> m_readingChildren;           // nodes this node reads (value, address, access)
+  std::vector<CNode*> m_writingChildren;           // nodes this node writes
+  std::vector<CNode*> m_dependents;                // nodes that read this node
+  std::vector<CNode*> m_invalidators;              // pInvalidator entries of this node
+  std::vector<CNode*> m_invalidates;               // nodes that list this node as pInvalidator
+  std::vector<CNode*> m_selected;                  // pSelected
+  std::vector<CNode*> m_selecting;                 // nodes whose pSelected names this node
   std::vector<CNode*>* m_pAddressGroup = nullptr;  // registers at the same fixed address of the same port
   std::vector<CNodeCallback*> m_callbacks;
   uint32_t m_visitEpoch = 0;
@@ -187,14 +192,6 @@ protected:
   CNode* m_pAlias = nullptr;
   CNode* m_pCastAlias = nullptr;
   int64_t m_pollingTime = -1;
-};
-
-// A node with a value: implements IValue on top of CNode.
-class CValueNode : public CNode, public virtual IValue {
-public:
-  using CNode::CNode;
-  INode* GetNode() override { return this; }
-  bool IsValueCacheValid() const override;
 };
 
 }  // namespace Engine

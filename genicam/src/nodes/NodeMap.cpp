@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "formula/Formula.h"
-#include "nodes/ValueNodes.h"
+#include "nodes/Port.h"
 
 namespace GenApi {
 namespace Engine {
@@ -144,7 +144,9 @@ void CNodeMapImpl::Poll(int64_t ElapsedTime) {
   }
 }
 
-bool CNodeMapImpl::ParseSwissKnife(const gcstring& Expression) const { return CFormulaSet::CheckSyntax(Expression, true); }
+bool CNodeMapImpl::ParseSwissKnife(const gcstring& Expression) const {
+  return CFormulaSet::CheckSyntax(Expression, true);
+}
 
 void CNodeMapImpl::GetSchemaVersion(int64_t& Major, int64_t& Minor, int64_t& SubMinor) const {
   Major = m_schemaVersion[0];

@@ -1,8 +1,8 @@
 // CValueSource: reading and writing a value node's storage.
 #include "nodes/ValueSource.h"
 
-#include "load/LoadContext.h"
-#include "load/NumberParsing.h"
+#include "base/NumberParsing.h"
+#include "nodes/LoadContext.h"
 #include "nodes/NodeMap.h"
 
 namespace GenApi {
@@ -30,52 +30,47 @@ void SetConstant(CNode& owner, CLoadContext& context, const pugi::xml_node& chil
 bool CValueSource::Configure(CNode& owner, CLoadContext& context, EElement id, const pugi::xml_node& child,
                              bool floatConstants, bool stringConstants) {
   switch (id) {
-    case EElement::Value:
-      SetConstant(owner, context, child, floatConstants, stringConstants, m_direct);
-      return true;
-    case EElement::pValue:
-      m_direct = CSource();
-      m_direct.present = true;
-      m_direct.node = context.Resolve(owner, child);
-      owner.m_writingChildren.push_back(m_direct.node);
-      return true;
-    case EElement::pValueCopy: {
-      CNode* copy = context.Resolve(owner, child, false);
-      m_copies.push_back(copy);
-      owner.m_writingChildren.push_back(copy);
-      return true;
+  case EElement::Value: SetConstant(owner, context, child, floatConstants, stringConstants, m_direct); return true;
+  case EElement::pValue:
+    m_direct = CSource();
+    m_direct.present = true;
+    m_direct.node = context.Resolve(owner, child);
+    owner.m_writingChildren.push_back(m_direct.node);
+    return true;
+  case EElement::pValueCopy: {
+    CNode* copy = context.Resolve(owner, child, false);
+    m_copies.push_back(copy);
+    owner.m_writingChildren.push_back(copy);
+    return true;
+  }
+  case EElement::pIndex: m_pIndex = context.Resolve(owner, child); return true;
+  case EElement::ValueIndexed:
+  case EElement::pValueIndexed: {
+    const pugi::xml_attribute indexAttribute = child.attribute("Index");
+    int64_t index = 0;
+    if (!indexAttribute || !ParseInteger(indexAttribute.value(), index)) {
+      context.Fail(&owner, child, "missing or bad Index attribute");
     }
-    case EElement::pIndex:
-      m_pIndex = context.Resolve(owner, child);
-      return true;
-    case EElement::ValueIndexed:
-    case EElement::pValueIndexed: {
-      const pugi::xml_attribute indexAttribute = child.attribute("Index");
-      int64_t index = 0;
-      if (!indexAttribute || !ParseInteger(indexAttribute.value(), index)) {
-        context.Fail(&owner, child, "missing or bad Index attribute");
-      }
-      CIndexed entry{index, CSource()};
-      if (id == EElement::ValueIndexed) {
-        SetConstant(owner, context, child, floatConstants, stringConstants, entry.source);
-      } else {
-        entry.source.present = true;
-        entry.source.node = context.Resolve(owner, child);
-        owner.m_writingChildren.push_back(entry.source.node);
-      }
-      m_indexed.push_back(std::move(entry));
-      return true;
+    CIndexed entry{index, CSource()};
+    if (id == EElement::ValueIndexed) {
+      SetConstant(owner, context, child, floatConstants, stringConstants, entry.source);
+    } else {
+      entry.source.present = true;
+      entry.source.node = context.Resolve(owner, child);
+      owner.m_writingChildren.push_back(entry.source.node);
     }
-    case EElement::ValueDefault:
-      SetConstant(owner, context, child, floatConstants, stringConstants, m_default);
-      return true;
-    case EElement::pValueDefault:
-      m_default = CSource();
-      m_default.present = true;
-      m_default.node = context.Resolve(owner, child);
-      return true;
-    default:
-      return false;
+    m_indexed.push_back(std::move(entry));
+    return true;
+  }
+  case EElement::ValueDefault:
+    SetConstant(owner, context, child, floatConstants, stringConstants, m_default);
+    return true;
+  case EElement::pValueDefault:
+    m_default = CSource();
+    m_default.present = true;
+    m_default.node = context.Resolve(owner, child);
+    return true;
+  default: return false;
   }
 }
 
@@ -94,6 +89,15 @@ CSource& CValueSource::Current(CNode& owner, bool ignoreCache) {
   }
   if (m_default.present) return m_default;
   throw ACCESS_EXCEPTION("Node '%s': index %lld selects no value", owner.Name().c_str(), static_cast<long long>(index));
+}
+
+CNode* CValueSource::TargetNode(bool ignoreCache) {
+  if (m_pIndex == nullptr) return m_direct.node;
+  const int64_t index = m_pIndex->GetInt(false, ignoreCache);
+  for (CIndexed& entry : m_indexed) {
+    if (entry.index == index) return entry.source.node;
+  }
+  return m_default.present ? m_default.node : nullptr;
 }
 
 int64_t CValueSource::GetInt(CNode& owner, bool ignoreCache) {

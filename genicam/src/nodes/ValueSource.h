@@ -31,7 +31,9 @@ public:
   bool Present() const { return m_direct.present || m_pIndex != nullptr; }
   // The source that currently holds the value.
   CSource& Current(CNode& owner, bool ignoreCache);
-  CNode* TargetNode() const { return m_pIndex ? nullptr : m_direct.node; }
+  // The node that currently holds the value (the pValue target, or the node the index selects), whose limits the
+  // owner takes when it has none of its own; null for a constant or when the index selects nothing.
+  CNode* TargetNode(bool ignoreCache = false);
 
   int64_t GetInt(CNode& owner, bool ignoreCache);
   double GetFloat(CNode& owner, bool ignoreCache);

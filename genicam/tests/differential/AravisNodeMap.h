@@ -11,33 +11,31 @@
 typedef struct _ArvDevice ArvDevice;
 typedef struct _ArvGc ArvGc;
 
-namespace TALVIR::Tools
-{
-class CAravisNodeMap
-{
+namespace TALVIR::Tools {
+class CAravisNodeMap {
 public:
-    explicit CAravisNodeMap(CSparseRegisterSpace& registers);
-    ~CAravisNodeMap();
-    CAravisNodeMap(const CAravisNodeMap&) = delete;
-    CAravisNodeMap& operator=(const CAravisNodeMap&) = delete;
+  explicit CAravisNodeMap(CSparseRegisterSpace& registers);
+  ~CAravisNodeMap();
+  CAravisNodeMap(const CAravisNodeMap&) = delete;
+  CAravisNodeMap& operator=(const CAravisNodeMap&) = delete;
 
-    bool Load(const std::string& xml);
-    // Returns an error message, empty on success.
-    std::string SetFromString(const std::string& name, const std::string& value);
-    // Adds one record per feature with a value interface (all, or only those named in `only`).
-    void Dump(CFeatureDump& dump, const std::vector<std::string>& only) const;
+  bool Load(const std::string& xml);
+  // Returns an error message, empty on success.
+  std::string SetFromString(const std::string& name, const std::string& value);
+  // Adds one record per feature with a value interface (all, or only those named in `only`).
+  void Dump(CFeatureDump& dump, const std::vector<std::string>& only) const;
 
-    // Raw access for benchmarks.
-    void SetRegisterCache(bool enabled);
-    bool ReadInteger(const std::string& name, int64_t& value) const;
-    // The integer node of that name, looked up once so that a timed loop measures the read alone; null if none.
-    void* FindInteger(const std::string& name) const;
-    static bool ReadIntegerNode(void* node, int64_t& value);
-    ArvGc* Gc() const { return m_Gc; }
+  // Raw access for benchmarks.
+  void SetRegisterCache(bool enabled);
+  bool ReadInteger(const std::string& name, int64_t& value) const;
+  // The integer node of that name, looked up once so that a timed loop measures the read alone; null if none.
+  void* FindInteger(const std::string& name) const;
+  static bool ReadIntegerNode(void* node, int64_t& value);
+  ArvGc* Gc() const { return m_Gc; }
 
 private:
-    CSparseRegisterSpace& m_Registers;
-    ArvDevice* m_Device = nullptr;
-    ArvGc* m_Gc = nullptr;
+  CSparseRegisterSpace& m_Registers;
+  ArvDevice* m_Device = nullptr;
+  ArvGc* m_Gc = nullptr;
 };
-} // namespace TALVIR::Tools
+}  // namespace TALVIR::Tools

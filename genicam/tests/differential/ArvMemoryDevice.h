@@ -7,14 +7,14 @@
 
 G_BEGIN_DECLS
 
-typedef gboolean (*TalvirMemoryRead)(void *context, guint64 address, guint32 size, void *buffer);
-typedef gboolean (*TalvirMemoryWrite)(void *context, guint64 address, guint32 size, const void *buffer);
+typedef gboolean (*TalvirMemoryRead)(void* context, guint64 address, guint32 size, void* buffer);
+typedef gboolean (*TalvirMemoryWrite)(void* context, guint64 address, guint32 size, const void* buffer);
 
 #define TALVIR_TYPE_ARV_MEMORY_DEVICE (talvir_arv_memory_device_get_type())
 G_DECLARE_FINAL_TYPE(TalvirArvMemoryDevice, talvir_arv_memory_device, TALVIR, ARV_MEMORY_DEVICE, ArvDevice)
 
 /* The callbacks must outlive the device. */
-ArvDevice *talvir_arv_memory_device_new(TalvirMemoryRead read, TalvirMemoryWrite write, void *context);
+ArvDevice* talvir_arv_memory_device_new(TalvirMemoryRead read, TalvirMemoryWrite write, void* context);
 
 G_END_DECLS
 

@@ -7,14 +7,12 @@
 #include <string>
 #include <vector>
 
-namespace TALVIR::Tools
-{
-struct SFileComparison
-{
-    std::string file;
-    std::string problem; // why the comparison could not run; empty when it ran
-    SComparison comparison;
-    std::vector<std::pair<std::string, std::string>> writes; // the assignments of the second comparison
+namespace TALVIR::Tools {
+struct SFileComparison {
+  std::string file;
+  std::string problem;  // why the comparison could not run; empty when it ran
+  SComparison comparison;
+  std::vector<std::pair<std::string, std::string>> writes;  // the assignments of the second comparison
 };
 
 using Assignments = std::vector<std::pair<std::string, std::string>>;
@@ -37,4 +35,4 @@ Assignments PickWrites(const DumpRecords& ours, const DumpRecords& theirs, size_
 
 // The description files of a folder (*.xml), sorted; empty when the folder does not exist.
 std::vector<std::string> DescriptionFiles(const std::string& folder);
-} // namespace TALVIR::Tools
+}  // namespace TALVIR::Tools

@@ -15,7 +15,8 @@ TEST(Access, ImplementedAvailableAndLocked) {
   CTestMap t("<Integer Name='I'><pIsImplemented>Impl</pIsImplemented><pIsAvailable>Avail</pIsAvailable>"
              "<pIsLocked>Lock</pIsLocked><pValue>R</pValue></Integer>"
              "<Integer Name='Impl'><Value>1</Value></Integer><Integer Name='Avail'><Value>1</Value></Integer>"
-             "<Integer Name='Lock'><Value>0</Value></Integer>" + kReg);
+             "<Integer Name='Lock'><Value>0</Value></Integer>" +
+             kReg);
   CIntegerPtr i(t.Node("I"));
   EXPECT_EQ(i->GetAccessMode(), GenApi::RW);
   CIntegerPtr(t.Node("Lock"))->SetValue(1);
@@ -33,7 +34,8 @@ TEST(Access, ImplementedAvailableAndLocked) {
 
 TEST(Access, ImposedAccessModeAndReadOnlyRegisters) {
   CTestMap t("<Integer Name='I'><ImposedAccessMode>RO</ImposedAccessMode><pValue>R</pValue></Integer>"
-             "<Integer Name='J'><pValue>RoReg</pValue></Integer>" + kReg +
+             "<Integer Name='J'><pValue>RoReg</pValue></Integer>" +
+             kReg +
              "<IntReg Name='RoReg'><Address>8</Address><Length>4</Length><AccessMode>RO</AccessMode>"
              "<pPort>Device</pPort></IntReg>");
   EXPECT_EQ(CIntegerPtr(t.Node("I"))->GetAccessMode(), GenApi::RO);
@@ -53,7 +55,7 @@ TEST(Access, TheTargetsModeReachesTheFeature) {
 
 TEST(Access, PortModeAndUnconnectedPorts) {
   CTestMap t(kReg + "<Port Name='Other'/><IntReg Name='O'><Address>0</Address><Length>4</Length>"
-             "<AccessMode>RW</AccessMode><pPort>Other</pPort></IntReg>");
+                    "<AccessMode>RW</AccessMode><pPort>Other</pPort></IntReg>");
   EXPECT_EQ(CIntegerPtr(t.Node("O"))->GetAccessMode(), GenApi::NA) << "no port connected";
   t.port.SetAccessMode(GenApi::RO);
   t.map._InvalidateNodes();

@@ -40,7 +40,8 @@ TEST(BadInput, ReferenceCyclesAreRejected) {
   EXPECT_NE(error.find("A"), std::string::npos) << error;
   EXPECT_FALSE(LoadError(Describe("<Integer Name='A'><pValue>A</pValue></Integer>")).empty());
   EXPECT_FALSE(LoadError(Describe("<IntSwissKnife Name='K'><pVariable Name='K'>K</pVariable><Formula>K</Formula>"
-                                  "</IntSwissKnife>")).empty());
+                                  "</IntSwissKnife>"))
+                   .empty());
 }
 
 TEST(BadInput, ElementErrorsNameTheNodeAndTheElement) {
@@ -67,7 +68,9 @@ TEST(BadInput, ElementErrorsNameTheNodeAndTheElement) {
 
 TEST(BadInput, DuplicateAndNamelessNodes) {
   EXPECT_NE(LoadError(Describe("<Integer Name='A'><Value>1</Value></Integer><Integer Name='A'><Value>1</Value>"
-                               "</Integer>")).find("duplicate"), std::string::npos);
+                               "</Integer>"))
+                .find("duplicate"),
+            std::string::npos);
   EXPECT_NE(LoadError(Describe("<Integer><Value>1</Value></Integer>")).find("Name"), std::string::npos);
 }
 
@@ -82,7 +85,8 @@ TEST(BadInput, DeepNestingIsBoundedNotRecursedWithoutLimit) {
   for (int i = 0; i < 5000; ++i) formula += "(";
   formula += "1";
   for (int i = 0; i < 5000; ++i) formula += ")";
-  const std::string error = LoadError(Describe("<IntSwissKnife Name='K'><Formula>" + formula + "</Formula></IntSwissKnife>"));
+  const std::string error =
+      LoadError(Describe("<IntSwissKnife Name='K'><Formula>" + formula + "</Formula></IntSwissKnife>"));
   EXPECT_NE(error.find("'K'"), std::string::npos) << error;
 
   std::string unary = "<IntSwissKnife Name='K'><Formula>";
@@ -123,8 +127,7 @@ TEST(BadInput, ManyRepeatedLinksAndVariablesStayLinear) {
 TEST(BadInput, SecondLoadIsRefused) {
   GenApi::CNodeMapRef map;
   map._LoadXMLFromString(Describe(""));
-  EXPECT_NE(ErrorOf([&] { map._LoadXMLFromString(Describe("")); }).find("Node map already created"),
-            std::string::npos);
+  EXPECT_NE(ErrorOf([&] { map._LoadXMLFromString(Describe("")); }).find("Node map already created"), std::string::npos);
   map._Destroy();
   map._LoadXMLFromString(Describe(""));
   EXPECT_NE(map._GetNode("Device"), nullptr);

@@ -111,4 +111,84 @@ TEST(Chunks, AdapterWithoutNodeMap) {
   adapter.DetachBuffer();
 }
 
+// ChunkValue is available only while its chunk reports a positive count; ChunkLocked is locked by another chunk.
+const std::string kChunkConditions =
+    "<Port Name='ChunkPort'><ChunkID>1234</ChunkID></Port>"
+    "<IntReg Name='ChunkCountReg'><Address>0</Address><Length>4</Length><AccessMode>RO</AccessMode>"
+    "<pPort>ChunkPort</pPort><Endianess>LittleEndian</Endianess></IntReg>"
+    "<IntSwissKnife Name='ChunkPresent'><pVariable Name='RAW'>ChunkCountReg</pVariable>"
+    "<Formula>RAW &gt; 0</Formula></IntSwissKnife>"
+    "<FloatReg Name='ChunkValueReg'><Address>4</Address><Length>4</Length><AccessMode>RO</AccessMode>"
+    "<pPort>ChunkPort</pPort><Endianess>LittleEndian</Endianess></FloatReg>"
+    "<Float Name='ChunkValue'><pIsAvailable>ChunkPresent</pIsAvailable><pValue>ChunkValueReg</pValue></Float>"
+    "<Float Name='ChunkImplemented'><pIsImplemented>ChunkPresent</pIsImplemented><pValue>ChunkValueReg</pValue>"
+    "</Float>"
+    "<Integer Name='Setting'><pIsLocked>ChunkPresent</pIsLocked><Value>3</Value></Integer>"
+    "<Category Name='ChunkCategory'><pIsAvailable>ChunkPresent</pIsAvailable><pFeature>ChunkValue</pFeature>"
+    "<pFeature>ChunkImplemented</pFeature><pFeature>Setting</pFeature></Category>"
+    "<Category Name='Root'><pFeature>ChunkCategory</pFeature></Category>";
+
+struct CConditionBuffer {
+  CConditionBuffer() {
+    std::memset(bytes, 0, sizeof bytes);
+    const uint32_t count = 1;
+    std::memcpy(bytes, &count, 4);
+    const float value = 2.5f;
+    std::memcpy(bytes + 4, &value, 4);
+    record = {0x1234, 0, 8};
+  }
+  uint8_t bytes[8];
+  GenTL::SINGLE_CHUNK_DATA record;
+};
+
+TEST(Chunks, AvailabilityReadThroughAnUnattachedChunkPortIsNotAvailable) {
+  CTestMap t(kChunkConditions);
+  CFloatPtr value(t.Node("ChunkValue"));
+  CFloatPtr implemented(t.Node("ChunkImplemented"));
+  EXPECT_EQ(value->GetAccessMode(), NA);
+  EXPECT_EQ(implemented->GetAccessMode(), NA);
+  EXPECT_FALSE(IsAvailable(value));
+  EXPECT_THROW(value->GetValue(), GenICam::AccessException);
+  CConditionBuffer buffer;
+  CChunkAdapterGenTL adapter(t.map._Ptr);
+  adapter.AttachBuffer(buffer.bytes, &buffer.record, 1);
+  EXPECT_EQ(value->GetAccessMode(), RO);
+  EXPECT_EQ(implemented->GetAccessMode(), RO);
+  EXPECT_EQ(value->GetValue(), 2.5);
+  adapter.DetachBuffer();
+  EXPECT_EQ(value->GetAccessMode(), NA);
+  EXPECT_EQ(implemented->GetAccessMode(), NA);
+}
+
+TEST(Chunks, LockReadThroughAnUnattachedChunkPortIsNotLocked) {
+  CTestMap t(kChunkConditions);
+  CIntegerPtr setting(t.Node("Setting"));
+  EXPECT_EQ(setting->GetAccessMode(), RW);
+  setting->SetValue(4);
+  CConditionBuffer buffer;
+  CChunkAdapterGenTL adapter(t.map._Ptr);
+  adapter.AttachBuffer(buffer.bytes, &buffer.record, 1);
+  EXPECT_EQ(setting->GetAccessMode(), RO) << "the attached chunk locks it";
+  EXPECT_THROW(setting->SetValue(5), GenICam::AccessException);
+  adapter.DetachBuffer();
+  EXPECT_EQ(setting->GetAccessMode(), RW);
+  EXPECT_EQ(setting->GetValue(), 4);
+}
+
+TEST(Chunks, CategoryOfChunkFeaturesAnswersWithoutChunkData) {
+  CTestMap t(kChunkConditions);
+  INode* category = t.Node("ChunkCategory");
+  ASSERT_NE(category, nullptr);
+  EXPECT_EQ(category->GetAccessMode(), NA);
+  EXPECT_EQ(t.Node("Root")->GetAccessMode(), RO);
+  FeatureList_t features;
+  CCategoryPtr(category)->GetFeatures(features);
+  ASSERT_EQ(features.size(), 3u);
+  for (IValue* feature : features) EXPECT_NO_THROW(feature->GetNode()->GetAccessMode());
+  CConditionBuffer buffer;
+  CChunkAdapterGenTL adapter(t.map._Ptr);
+  adapter.AttachBuffer(buffer.bytes, &buffer.record, 1);
+  EXPECT_EQ(category->GetAccessMode(), RO);
+}
+
 }  // namespace

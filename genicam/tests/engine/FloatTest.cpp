@@ -120,12 +120,70 @@ TEST(Converter, LinearConverterStepsByTheConvertedIncrement) {
 }
 
 TEST(IntConverter, EvaluatesIn64BitIntegers) {
-  CTestMap t("<IntConverter Name='C'><FormulaTo>FROM * 0x100000000</FormulaTo><FormulaFrom>TO / 0x100000000"
-             "</FormulaFrom><pValue>Raw</pValue></IntConverter><Integer Name='Raw'><Value>0x300000005</Value></Integer>");
+  CTestMap t(
+      "<IntConverter Name='C'><FormulaTo>FROM * 0x100000000</FormulaTo><FormulaFrom>TO / 0x100000000"
+      "</FormulaFrom><pValue>Raw</pValue></IntConverter><Integer Name='Raw'><Value>0x300000005</Value></Integer>");
   CIntegerPtr c(t.Node("C"));
   EXPECT_EQ(c->GetValue(), 3);
   c->SetValue(7);
   EXPECT_EQ(CIntegerPtr(t.Node("Raw"))->GetValue(), 0x700000000LL);
+}
+
+TEST(Float, OverAnIndexedIntegerShowsTheSelectedNodesLimits) {
+  CTestMap t("<Integer Name='Binning'><pIndex>Mode</pIndex><pValueIndexed Index='0'>BinA</pValueIndexed>"
+             "<pValueIndexed Index='1'>BinB</pValueIndexed><pValueDefault>BinA</pValueDefault></Integer>"
+             "<Integer Name='Mode'><Value>0</Value></Integer>"
+             "<Integer Name='BinA'><Value>1</Value><Min>1</Min><Max>4</Max><Inc>1</Inc></Integer>"
+             "<Integer Name='BinB'><Value>2</Value><Min>2</Min><Max>8</Max><Inc>2</Inc></Integer>"
+             "<Float Name='BinningF'><pValue>Binning</pValue></Float>"
+             "<Float Name='IndexedF'><pIndex>Mode</pIndex><pValueIndexed Index='0'>BinA</pValueIndexed>"
+             "<pValueIndexed Index='1'>BinB</pValueIndexed></Float>");
+  CFloatPtr binning(t.Node("BinningF"));
+  CFloatPtr indexed(t.Node("IndexedF"));
+  for (CFloatPtr f : {binning, indexed}) {
+    EXPECT_EQ(f->GetMin(), 1.0);
+    EXPECT_EQ(f->GetMax(), 4.0);
+    ASSERT_TRUE(f->HasInc());
+    EXPECT_EQ(f->GetInc(), 1.0);
+  }
+  CIntegerPtr(t.Node("Mode"))->SetValue(1);
+  for (CFloatPtr f : {binning, indexed}) {
+    EXPECT_EQ(f->GetMin(), 2.0);
+    EXPECT_EQ(f->GetMax(), 8.0);
+    EXPECT_EQ(f->GetInc(), 2.0);
+  }
+  EXPECT_THROW(binning->SetValue(9.0), GenICam::OutOfRangeException);
+}
+
+// Float and FloatReg share one reading of DisplayNotation and Representation: the same text means the same on both,
+// and a name the format does not define is refused by both, naming the node and the element.
+TEST(Float, DisplayNotationAndRepresentationReadAlikeOnValueAndRegisterNodes) {
+  const std::string reg =
+      "<FloatReg Name='R'><Address>0</Address><Length>4</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>%s"
+      "</FloatReg>";
+  const std::string value = "<Float Name='R'><Value>1.5</Value>%s</Float>";
+  for (const std::string& pattern : {reg, value}) {
+    auto describe = [&](const std::string& elements) {
+      std::string nodes = pattern;
+      nodes.replace(nodes.find("%s"), 2, elements);
+      return nodes;
+    };
+    SCOPED_TRACE(pattern);
+    CTestMap t(describe("<DisplayNotation>Scientific</DisplayNotation><DisplayPrecision>3</DisplayPrecision>"
+                        "<Representation>Logarithmic</Representation>"));
+    CFloatPtr f(t.Node("R"));
+    EXPECT_EQ(f->GetDisplayNotation(), GenApi::fnScientific);
+    EXPECT_EQ(f->GetDisplayPrecision(), 3);
+    EXPECT_EQ(f->GetRepresentation(), GenApi::Logarithmic);
+    for (const char* bad : {"<DisplayNotation>Engineering</DisplayNotation>", "<Representation>Bar</Representation>"}) {
+      const std::string error = ErrorOf([&] {
+        GenApi::CNodeMapRef map;
+        map._LoadXMLFromString(Describe(describe(bad)));
+      });
+      EXPECT_NE(error.find("'R'"), std::string::npos) << error;
+      EXPECT_NE(error.find(std::string(bad).substr(1, std::string(bad).find('>') - 1)), std::string::npos) << error;
+    }
+  }
 }
 
 }  // namespace

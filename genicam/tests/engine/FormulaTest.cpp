@@ -11,8 +11,7 @@ using GenApi::CIntegerPtr;
 
 namespace {
 
-const char* const kVariables =
-    "<Integer Name='X'><Value>%lld</Value><Min>-5</Min><Max>50</Max><Inc>5</Inc></Integer>";
+const char* const kVariables = "<Integer Name='X'><Value>%lld</Value><Min>-5</Min><Max>50</Max><Inc>5</Inc></Integer>";
 
 std::string Variables(long long x) {
   char text[256];
@@ -149,7 +148,8 @@ TEST(Formula, EnumerationEntryValues) {
 TEST(Formula, ConstantsAndExpressions) {
   CTestMap t("<IntSwissKnife Name='K'><pVariable Name='X'>X</pVariable><Constant Name='C'>0x10</Constant>"
              "<Expression Name='TWICE'>X * 2</Expression><Expression Name='MORE'>TWICE + C</Expression>"
-             "<Formula>MORE + 1</Formula></IntSwissKnife>" + Variables(3));
+             "<Formula>MORE + 1</Formula></IntSwissKnife>" +
+             Variables(3));
   EXPECT_EQ(CIntegerPtr(t.Node("K"))->GetValue(), 3 * 2 + 16 + 1);
 }
 
@@ -157,7 +157,8 @@ TEST(Formula, CdataAndEscapedOperators) {
   CTestMap t("<IntSwissKnife Name='K'><pVariable Name='X'>X</pVariable>"
              "<Formula><![CDATA[(X > 1) && (X < 10)]]></Formula></IntSwissKnife>"
              "<IntSwissKnife Name='L'><pVariable Name='X'>X</pVariable>"
-             "<Formula>(X &gt; 1) &amp;&amp; (X &lt; 2)</Formula></IntSwissKnife>" + Variables(5));
+             "<Formula>(X &gt; 1) &amp;&amp; (X &lt; 2)</Formula></IntSwissKnife>" +
+             Variables(5));
   EXPECT_EQ(CIntegerPtr(t.Node("K"))->GetValue(), 1);
   EXPECT_EQ(CIntegerPtr(t.Node("L"))->GetValue(), 0);
 }

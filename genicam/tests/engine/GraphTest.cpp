@@ -54,7 +54,8 @@ struct CRecorder : IPortWriteList {
     entries.push_back({address, std::vector<uint8_t>(bytes, bytes + length)});
   }
   void Replay(IPort* port) override {
-    for (const auto& entry : entries) port->Write(entry.second.data(), entry.first, static_cast<int64_t>(entry.second.size()));
+    for (const auto& entry : entries)
+      port->Write(entry.second.data(), entry.first, static_cast<int64_t>(entry.second.size()));
   }
   void SetCookie(int64_t value) override { cookie = value; }
   int64_t GetCookie() override { return cookie; }

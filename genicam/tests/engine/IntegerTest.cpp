@@ -236,4 +236,54 @@ TEST(Address, ChangingAnAddressPartRereadsTheRegister) {
   EXPECT_EQ(r->GetValue(), 22);
 }
 
+// Binning's value comes from BinA or BinB through the Mode index; it has no limits of its own.
+const char* const kIndexedBinning =
+    "<Integer Name='Binning'><pIndex>Mode</pIndex><pValueIndexed Index='0'>BinA</pValueIndexed>"
+    "<pValueIndexed Index='1'>BinB</pValueIndexed><pValueDefault>BinA</pValueDefault></Integer>"
+    "<Integer Name='Mode'><Value>0</Value></Integer>"
+    "<Integer Name='BinA'><pValue>BinAReg</pValue><Min>1</Min><Max>4</Max><Inc>1</Inc></Integer>"
+    "<Integer Name='BinB'><pValue>BinBReg</pValue><Min>2</Min><Max>8</Max><Inc>2</Inc></Integer>"
+    "<IntReg Name='BinAReg'><Address>0x10</Address><Length>4</Length><AccessMode>RW</AccessMode>"
+    "<pPort>Device</pPort></IntReg>"
+    "<IntReg Name='BinBReg'><Address>0x14</Address><Length>4</Length><AccessMode>RW</AccessMode>"
+    "<pPort>Device</pPort></IntReg>"
+    "<Float Name='BinningF'><pValue>Binning</pValue></Float>";
+
+TEST(Integer, IndexedValueTakesTheLimitsOfTheSelectedNode) {
+  CTestMap t(kIndexedBinning);
+  CIntegerPtr binning(t.Node("Binning"));
+  EXPECT_EQ(binning->GetMin(), 1);
+  EXPECT_EQ(binning->GetMax(), 4);
+  EXPECT_EQ(binning->GetInc(), 1);
+  CIntegerPtr(t.Node("Mode"))->SetValue(1);
+  EXPECT_EQ(binning->GetMin(), 2);
+  EXPECT_EQ(binning->GetMax(), 8);
+  EXPECT_EQ(binning->GetInc(), 2);
+  // The advertised range is the accepted range.
+  binning->SetValue(8);
+  EXPECT_EQ(t.port.Peek32LE(0x14), 8u);
+  EXPECT_THROW(binning->SetValue(10), GenICam::OutOfRangeException);
+  EXPECT_THROW(binning->SetValue(5), GenICam::OutOfRangeException);
+}
+
+TEST(Integer, IndexedValueFallsBackToTheDefaultNodesLimits) {
+  CTestMap t(kIndexedBinning);
+  CIntegerPtr(t.Node("Mode"))->SetValue(7);
+  CIntegerPtr binning(t.Node("Binning"));
+  EXPECT_EQ(binning->GetMin(), 1);
+  EXPECT_EQ(binning->GetMax(), 4);
+}
+
+TEST(Integer, IndexedValueWithoutSelectionKeepsTheWholeRange) {
+  CTestMap t("<Integer Name='X'><pIndex>Mode</pIndex><pValueIndexed Index='1'>A</pValueIndexed></Integer>"
+             "<Integer Name='Mode'><Value>0</Value></Integer>"
+             "<Integer Name='A'><Value>3</Value><Min>2</Min><Max>5</Max></Integer>");
+  CIntegerPtr x(t.Node("X"));
+  EXPECT_EQ(x->GetMin(), std::numeric_limits<int64_t>::min());
+  EXPECT_EQ(x->GetMax(), std::numeric_limits<int64_t>::max());
+  CIntegerPtr(t.Node("Mode"))->SetValue(1);
+  EXPECT_EQ(x->GetMin(), 2);
+  EXPECT_EQ(x->GetMax(), 5);
+}
+
 }  // namespace

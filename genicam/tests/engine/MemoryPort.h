@@ -34,7 +34,8 @@ public:
 
   // Direct access for the test (bypasses the counters).
   void Poke32BE(uint64_t address, uint32_t value) {
-    for (int i = 0; i < 4; ++i) m_memory[address + static_cast<uint64_t>(i)] = static_cast<uint8_t>(value >> (24 - 8 * i));
+    for (int i = 0; i < 4; ++i)
+      m_memory[address + static_cast<uint64_t>(i)] = static_cast<uint8_t>(value >> (24 - 8 * i));
   }
   void Poke32LE(uint64_t address, uint32_t value) {
     for (int i = 0; i < 4; ++i) m_memory[address + static_cast<uint64_t>(i)] = static_cast<uint8_t>(value >> (8 * i));

@@ -136,12 +136,13 @@ TEST(Zip, ArchiveFileOnDisk) {
 TEST(Zip, CorruptArchivesRaiseGenICamExceptions) {
   const std::string good = MakeZip(kXml, 8);
   std::string badCrc = good;
-  badCrc[14] = static_cast<char>(badCrc[14] ^ 0x55);  // local header CRC
+  badCrc[14] = static_cast<char>(badCrc[14] ^ 0x55);   // local header CRC
   badCrc[good.find("PK\x01\x02", 0, 4) + 16] ^= 0x55;  // central directory CRC
   std::string badData = good;
   badData[30 + 10 + 5] = static_cast<char>(badData[30 + 10 + 5] ^ 0xFF);
-  const std::string cases[] = {std::string(), std::string("PK\x03\x04garbage", 11), good.substr(0, good.size() / 2),
-                               badCrc, badData, std::string(200, 'x')};
+  const std::string cases[] = {
+      std::string(),        std::string("PK\x03\x04garbage", 11), good.substr(0, good.size() / 2), badCrc, badData,
+      std::string(200, 'x')};
   for (const std::string& zip : cases) {
     GenApi::CNodeMapRef map;
     EXPECT_THROW(map._LoadXMLFromZIPData(zip.data(), zip.size()), GenICam::GenericException);

@@ -17,7 +17,7 @@ namespace TalvirSim {
 // What one frame is made of, fixed when the frame starts.
 struct SFrameJob {
   uint64_t frameId = 0;
-  uint64_t timestamp = 0;     // device ticks at exposure end
+  uint64_t timestamp = 0;  // device ticks at exposure end
   uint64_t timestampNs = 0;
   uint32_t width = 0;
   uint32_t height = 0;
@@ -118,10 +118,10 @@ private:
   bool m_open = false;
   bool m_openReadOnly = false;
   bool m_streaming = false;
-  bool m_acquiring = false;        // AcquisitionStart executed and not stopped
-  uint64_t m_framesLeft = 0;       // in SingleFrame / MultiFrame mode
+  bool m_acquiring = false;   // AcquisitionStart executed and not stopped
+  uint64_t m_framesLeft = 0;  // in SingleFrame / MultiFrame mode
   uint64_t m_pendingTriggers = 0;
-  uint64_t m_frameCounter = 0;     // frame IDs handed out
+  uint64_t m_frameCounter = 0;  // frame IDs handed out
   uint64_t m_deliveredCount = 0;
   uint64_t m_lastFrameId = 0;
   std::atomic<bool> m_lost{false};
@@ -129,4 +129,4 @@ private:
   std::mutex m_wakeMutex;
 };
 
-} // namespace TalvirSim
+}  // namespace TalvirSim

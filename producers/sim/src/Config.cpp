@@ -49,16 +49,11 @@ std::vector<uint32_t> EveryFormat() {
 // characters of its serial number) identifies it.
 std::string SerialPrefix(EFlavour flavour) {
   switch (flavour) {
-  case EFlavour::GEV:
-    return "GEV";
-  case EFlavour::U3V:
-    return "U3V";
-  case EFlavour::CL:
-    return "CLG";
-  case EFlavour::CXP:
-    return "CXP";
-  case EFlavour::Custom:
-    break;
+  case EFlavour::GEV: return "GEV";
+  case EFlavour::U3V: return "U3V";
+  case EFlavour::CL: return "CLG";
+  case EFlavour::CXP: return "CXP";
+  case EFlavour::Custom: break;
   }
   return "SIM";
 }
@@ -156,7 +151,8 @@ public:
       target = value->get<bool>();
     }
   }
-  template <typename T> void Unsigned(const std::string& key, T& target) {
+  template <typename T>
+  void Unsigned(const std::string& key, T& target) {
     if (const json* value = Find(key)) {
       if (!value->is_number_unsigned() && !(value->is_number_integer() && value->get<int64_t>() >= 0)) {
         throw std::runtime_error(Path(key) + ": expected a non-negative integer");
@@ -263,8 +259,8 @@ uint32_t ParsePixelFormat(const json& value, const std::string& path) {
 }
 
 int32_t ParseAccessStatus(const json& value, const std::string& path) {
-  static const std::map<std::string, int32_t> names = {{"Unknown", 0}, {"ReadWrite", 1}, {"ReadOnly", 2},
-                                                       {"NoAccess", 3}, {"Busy", 4}, {"OpenReadWrite", 5},
+  static const std::map<std::string, int32_t> names = {{"Unknown", 0},     {"ReadWrite", 1}, {"ReadOnly", 2},
+                                                       {"NoAccess", 3},    {"Busy", 4},      {"OpenReadWrite", 5},
                                                        {"OpenReadOnly", 6}};
   if (value.is_string()) {
     auto it = names.find(value.get<std::string>());
@@ -313,8 +309,8 @@ void ReadDevice(const json& object, const std::string& path, SDeviceConfig& devi
     } else if (value->is_array() && !value->empty()) {
       device.pixelFormats.clear();
       for (size_t i = 0; i < value->size(); ++i) {
-        device.pixelFormats.push_back(ParsePixelFormat((*value)[i], reader.Path("pixelFormats") + "[" +
-                                                                        std::to_string(i) + "]"));
+        device.pixelFormats.push_back(
+            ParsePixelFormat((*value)[i], reader.Path("pixelFormats") + "[" + std::to_string(i) + "]"));
       }
       device.pixelFormat = 0;
     } else {
@@ -440,7 +436,7 @@ void FinishDevice(SDeviceConfig& device) {
   }
 }
 
-} // namespace
+}  // namespace
 
 EFlavour FlavourFromFileName(const std::string& path) {
   const std::string stem = UpperStem(path);
@@ -461,16 +457,11 @@ EFlavour FlavourFromFileName(const std::string& path) {
 
 const char* FlavourTLType(EFlavour flavour) {
   switch (flavour) {
-  case EFlavour::GEV:
-    return "GEV";
-  case EFlavour::U3V:
-    return "U3V";
-  case EFlavour::CL:
-    return "CL";
-  case EFlavour::CXP:
-    return "CXP";
-  case EFlavour::Custom:
-    break;
+  case EFlavour::GEV: return "GEV";
+  case EFlavour::U3V: return "U3V";
+  case EFlavour::CL: return "CL";
+  case EFlavour::CXP: return "CXP";
+  case EFlavour::Custom: break;
   }
   return "Custom";
 }
@@ -575,4 +566,15 @@ SConfig LoadConfig(const std::string& modulePath) {
   }
 }
 
-} // namespace TalvirSim
+uint64_t TransportTypeCode(const std::string& tlType, bool mixedAllowed) {
+  static const char* const names[] = {"Custom", "GEV", "U3V", "CL", "CXP", "Mixed"};
+  const uint64_t count = mixedAllowed ? 6 : 5;
+  for (uint64_t i = 0; i < count; ++i) {
+    if (tlType == names[i]) {
+      return i;
+    }
+  }
+  return 0;
+}
+
+}  // namespace TalvirSim

@@ -14,6 +14,10 @@ enum class EFlavour { Custom = 0, GEV = 1, U3V = 2, CL = 3, CXP = 4 };
 EFlavour FlavourFromFileName(const std::string& path);
 const char* FlavourTLType(EFlavour flavour);
 
+// The code of a transport-layer type name: "Custom" 0, "GEV" 1, "U3V" 2, "CL" 3, "CXP" 4, and "Mixed" 5 when
+// mixedAllowed (system and interface modules); 0 for anything else.
+uint64_t TransportTypeCode(const std::string& tlType, bool mixedAllowed);
+
 constexpr uint64_t kNoAddress = 0xFFFFFFFFFFFFFFFFull;
 
 struct SFaultConfig {
@@ -21,8 +25,8 @@ struct SFaultConfig {
   uint32_t incompleteEveryN = 0;          // every Nth frame (by frame ID) is incomplete
   uint64_t lateFrameId = 0;               // this frame is delivered lateByMs late
   uint32_t lateByMs = 0;
-  uint64_t loseAfterFrames = 0;           // the device is lost once this many frames were delivered
-  bool failDeviceRecord = false;          // IFGetDeviceInfo command 1001 fails
+  uint64_t loseAfterFrames = 0;   // the device is lost once this many frames were delivered
+  bool failDeviceRecord = false;  // IFGetDeviceInfo command 1001 fails
 };
 
 struct SCustomInfo {
@@ -51,11 +55,11 @@ struct SDeviceConfig {
   uint64_t timestampFrequency = 1000000000;
   uint32_t sensorWidth = 640;
   uint32_t sensorHeight = 480;
-  uint32_t width = 0;   // 0: the sensor size
+  uint32_t width = 0;  // 0: the sensor size
   uint32_t height = 0;
   std::vector<uint32_t> pixelFormats;  // PFNC codes; the first is the initial format unless pixelFormat is set
   uint32_t pixelFormat = 0;
-  double frameRate = 100.0;    // 0: as fast as buffers allow
+  double frameRate = 100.0;  // 0: as fast as buffers allow
   double exposureTime = 1000.0;
   bool lineScan = false;
   double lineRate = 10000.0;
@@ -71,7 +75,7 @@ struct SDeviceConfig {
   uint32_t packetSizeMin = 576;
   uint32_t packetSizeMax = 9000;
   uint32_t packetSizeInc = 4;
-  std::string ip;       // GigE: device address, subnet mask, gateway, host address, MAC, interface text
+  std::string ip;  // GigE: device address, subnet mask, gateway, host address, MAC, interface text
   std::string subnet = "255.255.255.0";
   std::string gateway;
   std::string hostIp;
@@ -113,4 +117,4 @@ SConfig ParseConfig(const std::string& jsonText, EFlavour flavour, const std::st
 // "<modulePath>.json" when it exists, else the defaults. Throws std::runtime_error on a bad or unreadable file.
 SConfig LoadConfig(const std::string& modulePath);
 
-} // namespace TalvirSim
+}  // namespace TalvirSim

@@ -69,4 +69,8 @@ std::string ReplaceMarker(std::string text, const std::string& marker, const std
   return text;
 }
 
-} // namespace TalvirSim
+SDescription ModuleDescription(const std::string& baseName, const std::string& xml) {
+  return MakeDescription(baseName, xml, kModuleDescriptionAddress, false, "local:");
+}
+
+}  // namespace TalvirSim

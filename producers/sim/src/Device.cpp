@@ -1,19 +1,12 @@
+#include "Device.h"
+
+#include "DataStream.h"
+#include "Interface.h"
 #include "Library.h"
-#include "Modules.h"
 #include "talvirsim/SimRegisters.h"
 
 namespace TalvirSim {
 namespace {
-
-uint64_t DeviceTypeCode(const std::string& tlType) {
-  static const char* const names[] = {"Custom", "GEV", "U3V", "CL", "CXP"};
-  for (uint64_t i = 0; i < 5; ++i) {
-    if (tlType == names[i]) {
-      return i;
-    }
-  }
-  return 0;
-}
 
 std::string PixelFormatEntries() {
   std::string entries;
@@ -27,12 +20,11 @@ std::string PixelFormatEntries() {
   return entries;
 }
 
-} // namespace
+}  // namespace
 
 CDevice::CDevice(std::shared_ptr<CInterface> parent, std::shared_ptr<CSimCamera> camera,
                  GenTL::DEVICE_ACCESS_FLAGS flags)
-    : m_interface(std::move(parent)), m_camera(std::move(camera)),
-      m_writable(flags != GenTL::DEVICE_ACCESS_READONLY) {
+    : m_interface(std::move(parent)), m_camera(std::move(camera)), m_writable(flags != GenTL::DEVICE_ACCESS_READONLY) {
   const EFlavour flavour = Lib().Config().flavour;
   std::string xml = EmbeddedXml("device.xml");
   std::string features;
@@ -46,14 +38,14 @@ CDevice::CDevice(std::shared_ptr<CInterface> parent, std::shared_ptr<CSimCamera>
   }
   xml = ReplaceMarker(xml, "<!--@EXTRA_FEATURES@-->", features);
   xml = ReplaceMarker(xml, "<!--@EXTRA_NODES@-->", nodes);
-  m_description = MakeDescription("TalvirSimDevice", xml, 0x10000000, false, "local:");
+  m_description = ModuleDescription("TalvirSimDevice", xml);
 
   CSimCamera* cam = m_camera.get();
   m_bank.AddString(0x1000, 256, [cam](size_t) { return cam->Config().id; });
   m_bank.AddString(0x1100, 256, [cam](size_t) { return cam->Config().vendor; });
   m_bank.AddString(0x1200, 256, [cam](size_t) { return cam->Config().model; });
   m_bank.AddString(0x1300, 256, [cam](size_t) { return cam->Config().serial; });
-  m_bank.AddInt(0x0000, 8, [](size_t) { return DeviceTypeCode(Lib().Config().tlType); });
+  m_bank.AddInt(0x0000, 8, [](size_t) { return TransportTypeCode(Lib().Config().tlType, false); });
   m_bank.AddStored(0x0008, 8, 0);
   m_bank.AddInt(0x0018, 8, [cam](size_t) { return static_cast<uint64_t>(cam->AccessStatus()); });
   m_bank.AddString(0x10000, 256, [cam](size_t) { return cam->Config().id + "-Stream0"; });
@@ -157,4 +149,4 @@ void CDevice::Close() {
   m_interface->DeviceClosed(m_camera->Config().id);
 }
 
-} // namespace TalvirSim
+}  // namespace TalvirSim

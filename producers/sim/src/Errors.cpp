@@ -39,7 +39,7 @@ CErrorTable& Table() {
   return table;
 }
 
-} // namespace
+}  // namespace
 
 void SetLastError(GenTL::GC_ERROR code, const std::string& text) { Table().Set(code, text); }
 
@@ -47,4 +47,4 @@ GenTL::GC_ERROR LastErrorCode() { return Table().Get().code; }
 
 std::string LastErrorText() { return Table().Get().text; }
 
-} // namespace TalvirSim
+}  // namespace TalvirSim

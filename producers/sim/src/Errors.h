@@ -24,4 +24,4 @@ void SetLastError(GenTL::GC_ERROR code, const std::string& text);
 GenTL::GC_ERROR LastErrorCode();
 std::string LastErrorText();
 
-} // namespace TalvirSim
+}  // namespace TalvirSim

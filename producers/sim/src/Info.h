@@ -42,7 +42,8 @@ inline void PutString(const SInfoOut& out, const std::string& text) {
   PutBytes(out, GenTL::INFO_DATATYPE_STRING, text.c_str(), text.size() + 1);
 }
 
-template <typename T> void PutValue(const SInfoOut& out, GenTL::INFO_DATATYPE type, T value) {
+template <typename T>
+void PutValue(const SInfoOut& out, GenTL::INFO_DATATYPE type, T value) {
   PutBytes(out, type, &value, sizeof value);
 }
 
@@ -60,4 +61,4 @@ inline void PutIdString(char* buffer, size_t* size, const std::string& text) {
   PutBytes(SInfoOut{nullptr, buffer, size}, GenTL::INFO_DATATYPE_STRING, text.c_str(), text.size() + 1);
 }
 
-} // namespace TalvirSim
+}  // namespace TalvirSim

@@ -1,5 +1,8 @@
 #include "Library.h"
 
+#include "platform/DynamicModule.h"
+#include "platform/Network.h"
+
 #include "Camera.h"
 #include "Modules.h"
 #include "platform/SelfPath.h"
@@ -132,6 +135,23 @@ void CLibrary::ReportDeviceLost(const std::string& id) {
   m_notifiers.emplace_back([callback, id] { callback(id.c_str(), false); });
 }
 
+void CLibrary::ReportGevDeviceLost(const std::string& address) {
+  uint32_t networkOrder = 0;
+  if (!TALVIR::Platform::ParseIPv4(address, networkOrder)) {
+    return;
+  }
+  TALVIR::Platform::ModuleHandle helper = TALVIR::Platform::FindLoadedModule("VendraLib.dll");
+  if (helper == nullptr) {
+    return;
+  }
+  using ReportStatus = void (*)(uint32_t, bool);
+  const auto report = reinterpret_cast<ReportStatus>(TALVIR::Platform::FindSymbol(helper, "HelperSimReportStatus"));
+  if (report != nullptr) {
+    report(networkOrder, false);  // delivered on a thread of the helper's own
+  }
+  TALVIR::Platform::FreeModule(helper);
+}
+
 void CLibrary::JoinNotifiers() {
   std::vector<std::thread> threads;
   {
@@ -145,4 +165,4 @@ void CLibrary::JoinNotifiers() {
   }
 }
 
-} // namespace TalvirSim
+}  // namespace TalvirSim

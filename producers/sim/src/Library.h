@@ -41,7 +41,8 @@ public:
   void RemoveHandle(const void* handle);
 
   // The object a handle names, as type T; GC_ERR_INVALID_HANDLE when it names nothing or something else.
-  template <typename T> std::shared_ptr<T> Get(void* handle, const char* what) const {
+  template <typename T>
+  std::shared_ptr<T> Get(void* handle, const char* what) const {
     RequireInit();
     if (handle == nullptr) {
       Fail(GenTL::GC_ERR_INVALID_HANDLE, std::string("null ") + what + " handle");
@@ -64,6 +65,9 @@ public:
   // The U3V flavour reports lost devices to this callback, from a thread of its own.
   void SetStatusCallback(StatusCallback callback) { m_statusCallback.store(callback); }
   void ReportDeviceLost(const std::string& id);
+  // A GigE device lost: reported through the simulated helper library when a consumer has loaded it, as the real
+  // GigE stack reports through the helper library.
+  void ReportGevDeviceLost(const std::string& address);
 
 private:
   CLibrary() = default;
@@ -86,4 +90,4 @@ private:
 
 inline CLibrary& Lib() { return CLibrary::Instance(); }
 
-} // namespace TalvirSim
+}  // namespace TalvirSim

@@ -17,33 +17,20 @@ std::string CPortModule::PortTLType() { return Lib().Config().tlType; }
 
 void CPortModule::GetPortInfo(GenTL::PORT_INFO_CMD command, const SInfoOut& out) {
   switch (command) {
-  case GenTL::PORT_INFO_ID:
-    return PutString(out, PortId());
-  case GenTL::PORT_INFO_VENDOR:
-    return PutString(out, PortVendor());
-  case GenTL::PORT_INFO_MODEL:
-    return PutString(out, PortModel());
-  case GenTL::PORT_INFO_TLTYPE:
-    return PutString(out, PortTLType());
-  case GenTL::PORT_INFO_MODULE:
-    return PutString(out, PortModuleName());
-  case GenTL::PORT_INFO_LITTLE_ENDIAN:
-    return PutBool(out, PortLittleEndian());
-  case GenTL::PORT_INFO_BIG_ENDIAN:
-    return PutBool(out, !PortLittleEndian());
-  case GenTL::PORT_INFO_ACCESS_READ:
-    return PutBool(out, true);
-  case GenTL::PORT_INFO_ACCESS_WRITE:
-    return PutBool(out, PortWritable());
+  case GenTL::PORT_INFO_ID: return PutString(out, PortId());
+  case GenTL::PORT_INFO_VENDOR: return PutString(out, PortVendor());
+  case GenTL::PORT_INFO_MODEL: return PutString(out, PortModel());
+  case GenTL::PORT_INFO_TLTYPE: return PutString(out, PortTLType());
+  case GenTL::PORT_INFO_MODULE: return PutString(out, PortModuleName());
+  case GenTL::PORT_INFO_LITTLE_ENDIAN: return PutBool(out, PortLittleEndian());
+  case GenTL::PORT_INFO_BIG_ENDIAN: return PutBool(out, !PortLittleEndian());
+  case GenTL::PORT_INFO_ACCESS_READ: return PutBool(out, true);
+  case GenTL::PORT_INFO_ACCESS_WRITE: return PutBool(out, PortWritable());
   case GenTL::PORT_INFO_ACCESS_NA:
-  case GenTL::PORT_INFO_ACCESS_NI:
-    return PutBool(out, false);
-  case GenTL::PORT_INFO_VERSION:
-    return PutString(out, PortVersion());
-  case GenTL::PORT_INFO_PORTNAME:
-    return PutString(out, PortModuleName() == "Device" ? "Device" : "TLPort");
-  default:
-    Fail(GenTL::GC_ERR_INVALID_ID, "unknown port info command " + std::to_string(command));
+  case GenTL::PORT_INFO_ACCESS_NI: return PutBool(out, false);
+  case GenTL::PORT_INFO_VERSION: return PutString(out, PortVersion());
+  case GenTL::PORT_INFO_PORTNAME: return PutString(out, PortModuleName() == "Device" ? "Device" : "TLPort");
+  default: Fail(GenTL::GC_ERR_INVALID_ID, "unknown port info command " + std::to_string(command));
   }
 }
 
@@ -53,30 +40,19 @@ void CPortModule::GetUrlInfo(uint32_t index, GenTL::URL_INFO_CMD command, const 
   }
   const SDescription& description = Description();
   switch (command) {
-  case GenTL::URL_INFO_URL:
-    return PutString(out, description.Url());
-  case GenTL::URL_INFO_SCHEMA_VER_MAJOR:
-    return PutI32(out, static_cast<int32_t>(description.schemaMajor));
-  case GenTL::URL_INFO_SCHEMA_VER_MINOR:
-    return PutI32(out, static_cast<int32_t>(description.schemaMinor));
-  case GenTL::URL_INFO_FILE_VER_MAJOR:
-    return PutI32(out, static_cast<int32_t>(description.fileMajor));
-  case GenTL::URL_INFO_FILE_VER_MINOR:
-    return PutI32(out, static_cast<int32_t>(description.fileMinor));
-  case GenTL::URL_INFO_FILE_VER_SUBMINOR:
-    return PutI32(out, static_cast<int32_t>(description.fileSubMinor));
-  case GenTL::URL_INFO_FILE_REGISTER_ADDRESS:
-    return PutU64(out, description.address);
-  case GenTL::URL_INFO_FILE_SIZE:
-    return PutU64(out, description.data.size());
-  case GenTL::URL_INFO_SCHEME:
-    return PutI32(out, GenTL::URL_SCHEME_LOCAL);
-  case GenTL::URL_INFO_FILENAME:
-    return PutString(out, description.fileName);
+  case GenTL::URL_INFO_URL: return PutString(out, description.Url());
+  case GenTL::URL_INFO_SCHEMA_VER_MAJOR: return PutI32(out, static_cast<int32_t>(description.schemaMajor));
+  case GenTL::URL_INFO_SCHEMA_VER_MINOR: return PutI32(out, static_cast<int32_t>(description.schemaMinor));
+  case GenTL::URL_INFO_FILE_VER_MAJOR: return PutI32(out, static_cast<int32_t>(description.fileMajor));
+  case GenTL::URL_INFO_FILE_VER_MINOR: return PutI32(out, static_cast<int32_t>(description.fileMinor));
+  case GenTL::URL_INFO_FILE_VER_SUBMINOR: return PutI32(out, static_cast<int32_t>(description.fileSubMinor));
+  case GenTL::URL_INFO_FILE_REGISTER_ADDRESS: return PutU64(out, description.address);
+  case GenTL::URL_INFO_FILE_SIZE: return PutU64(out, description.data.size());
+  case GenTL::URL_INFO_SCHEME: return PutI32(out, GenTL::URL_SCHEME_LOCAL);
+  case GenTL::URL_INFO_FILENAME: return PutString(out, description.fileName);
   case GenTL::URL_INFO_FILE_SHA1_HASH:
     Fail(GenTL::GC_ERR_NOT_AVAILABLE, "no SHA1 hash is published for the description");
-  default:
-    Fail(GenTL::GC_ERR_INVALID_ID, "unknown URL info command " + std::to_string(command));
+  default: Fail(GenTL::GC_ERR_INVALID_ID, "unknown URL info command " + std::to_string(command));
   }
 }
 
@@ -86,8 +62,7 @@ void CRegisterBank::AddString(uint64_t base, size_t length, StringGetter get, si
   m_entries.push_back({base, length, count, stride == 0 ? length : stride, std::move(get), {}, {}});
 }
 
-void CRegisterBank::AddInt(uint64_t base, size_t length, IntGetter get, IntSetter set, size_t count,
-                           uint64_t stride) {
+void CRegisterBank::AddInt(uint64_t base, size_t length, IntGetter get, IntSetter set, size_t count, uint64_t stride) {
   m_entries.push_back({base, length, count, stride == 0 ? length : stride, {}, std::move(get), std::move(set)});
 }
 
@@ -114,8 +89,8 @@ const CRegisterBank::SEntry* CRegisterBank::Find(uint64_t address, size_t length
       continue;
     }
     if (length > entry.length) {
-      Fail(GenTL::GC_ERR_INVALID_PARAMETER, "access of " + std::to_string(length) + " bytes to a register of " +
-                                                std::to_string(entry.length));
+      Fail(GenTL::GC_ERR_INVALID_PARAMETER,
+           "access of " + std::to_string(length) + " bytes to a register of " + std::to_string(entry.length));
     }
     index = static_cast<size_t>(offset / entry.stride);
     return &entry;
@@ -204,9 +179,9 @@ void CQueuedEvent::GetData(void* buffer, size_t* size, uint64_t timeoutMs) {
     Fail(GenTL::GC_ERR_INVALID_PARAMETER, "the size pointer is null");
   }
   std::unique_lock<std::mutex> lock(m_mutex);
-  const auto deadline = timeoutMs >= 0xFFFFFFFFull ? std::chrono::steady_clock::time_point::max()
-                                                   : std::chrono::steady_clock::now() +
-                                                         std::chrono::milliseconds(timeoutMs);
+  const auto deadline = timeoutMs >= 0xFFFFFFFFull
+                            ? std::chrono::steady_clock::time_point::max()
+                            : std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
   for (;;) {
     if (m_shutdown) {
       Fail(GenTL::GC_ERR_ABORT, "the event was unregistered");
@@ -220,8 +195,8 @@ void CQueuedEvent::GetData(void* buffer, size_t* size, uint64_t timeoutMs) {
     }
     if (deadline == std::chrono::steady_clock::time_point::max()) {
       m_cv.wait(lock);
-    } else if (m_cv.wait_until(lock, deadline) == std::cv_status::timeout && m_queue.empty() &&
-               m_pendingKills == 0 && !m_shutdown) {
+    } else if (m_cv.wait_until(lock, deadline) == std::cv_status::timeout && m_queue.empty() && m_pendingKills == 0 &&
+               !m_shutdown) {
       Fail(GenTL::GC_ERR_TIMEOUT, "no event within " + std::to_string(timeoutMs) + " ms");
     }
   }
@@ -233,16 +208,15 @@ void CQueuedEvent::GetData(void* buffer, size_t* size, uint64_t timeoutMs) {
   if (*size < front.size()) {
     const size_t given = *size;
     *size = front.size();
-    Fail(GenTL::GC_ERR_BUFFER_TOO_SMALL, "event data of " + std::to_string(front.size()) + " bytes, buffer of " +
-                                             std::to_string(given));
+    Fail(GenTL::GC_ERR_BUFFER_TOO_SMALL,
+         "event data of " + std::to_string(front.size()) + " bytes, buffer of " + std::to_string(given));
   }
   std::memcpy(buffer, front.data(), front.size());
   *size = front.size();
   m_queue.pop_front();
 }
 
-void CQueuedEvent::GetDataInfo(const void* in, size_t inSize, GenTL::EVENT_DATA_INFO_CMD command,
-                               const SInfoOut& out) {
+void CQueuedEvent::GetDataInfo(const void* in, size_t inSize, GenTL::EVENT_DATA_INFO_CMD command, const SInfoOut& out) {
   if (in == nullptr) {
     Fail(GenTL::GC_ERR_INVALID_PARAMETER, "no event data given");
   }
@@ -254,15 +228,12 @@ void CQueuedEvent::GetDataInfo(const void* in, size_t inSize, GenTL::EVENT_DATA_
     int32_t code;
     std::memcpy(&code, bytes, 4);
     switch (command) {
-    case GenTL::EVENT_DATA_ID:
-      return PutI32(out, code);
+    case GenTL::EVENT_DATA_ID: return PutI32(out, code);
     case GenTL::EVENT_DATA_VALUE:
-      return PutString(out, std::string(reinterpret_cast<const char*>(bytes + 4), strnlen(
-                                            reinterpret_cast<const char*>(bytes + 4), inSize - 4)));
-    case GenTL::EVENT_DATA_NUMID:
-      return PutU64(out, static_cast<uint64_t>(static_cast<int64_t>(code)));
-    default:
-      Fail(GenTL::GC_ERR_INVALID_ID, "unknown event data info command " + std::to_string(command));
+      return PutString(out, std::string(reinterpret_cast<const char*>(bytes + 4),
+                                        strnlen(reinterpret_cast<const char*>(bytes + 4), inSize - 4)));
+    case GenTL::EVENT_DATA_NUMID: return PutU64(out, static_cast<uint64_t>(static_cast<int64_t>(code)));
+    default: Fail(GenTL::GC_ERR_INVALID_ID, "unknown event data info command " + std::to_string(command));
     }
   }
   // Remote-device events: the event ID sits at bytes 10-11, the data after the header.
@@ -279,29 +250,22 @@ void CQueuedEvent::GetDataInfo(const void* in, size_t inSize, GenTL::EVENT_DATA_
     return PutString(out, text);
   }
   case GenTL::EVENT_DATA_VALUE:
-    return PutBytes(out, GenTL::INFO_DATATYPE_BUFFER, bytes + std::min(header, inSize), inSize - std::min(header, inSize));
-  case GenTL::EVENT_DATA_NUMID:
-    return PutU64(out, id);
-  default:
-    Fail(GenTL::GC_ERR_INVALID_ID, "unknown event data info command " + std::to_string(command));
+    return PutBytes(out, GenTL::INFO_DATATYPE_BUFFER, bytes + std::min(header, inSize),
+                    inSize - std::min(header, inSize));
+  case GenTL::EVENT_DATA_NUMID: return PutU64(out, id);
+  default: Fail(GenTL::GC_ERR_INVALID_ID, "unknown event data info command " + std::to_string(command));
   }
 }
 
 void CQueuedEvent::GetInfo(GenTL::EVENT_INFO_CMD command, const SInfoOut& out) {
   std::lock_guard<std::mutex> lock(m_mutex);
   switch (command) {
-  case GenTL::EVENT_EVENT_TYPE:
-    return PutI32(out, Type());
-  case GenTL::EVENT_NUM_IN_QUEUE:
-    return PutSize(out, m_queue.size());
-  case GenTL::EVENT_NUM_FIRED:
-    return PutU64(out, m_fired);
-  case GenTL::EVENT_SIZE_MAX:
-    return PutSize(out, m_maxSize);
-  case GenTL::EVENT_INFO_DATA_SIZE_MAX:
-    return PutSize(out, m_maxSize);
-  default:
-    Fail(GenTL::GC_ERR_INVALID_ID, "unknown event info command " + std::to_string(command));
+  case GenTL::EVENT_EVENT_TYPE: return PutI32(out, Type());
+  case GenTL::EVENT_NUM_IN_QUEUE: return PutSize(out, m_queue.size());
+  case GenTL::EVENT_NUM_FIRED: return PutU64(out, m_fired);
+  case GenTL::EVENT_SIZE_MAX: return PutSize(out, m_maxSize);
+  case GenTL::EVENT_INFO_DATA_SIZE_MAX: return PutSize(out, m_maxSize);
+  default: Fail(GenTL::GC_ERR_INVALID_ID, "unknown event info command " + std::to_string(command));
   }
 }
 
@@ -394,4 +358,4 @@ std::vector<uint8_t> ErrorEventRecord(GenTL::GC_ERROR code, const std::string& t
   return std::vector<uint8_t>(bytes.begin(), bytes.end());
 }
 
-} // namespace TalvirSim
+}  // namespace TalvirSim

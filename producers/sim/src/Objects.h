@@ -149,4 +149,4 @@ private:
 // An EVENT_ERROR record: the error code followed by its text.
 std::vector<uint8_t> ErrorEventRecord(GenTL::GC_ERROR code, const std::string& text);
 
-} // namespace TalvirSim
+}  // namespace TalvirSim

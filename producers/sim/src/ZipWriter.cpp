@@ -39,7 +39,7 @@ std::vector<char> RawDeflate(const std::string& content) {
   return out;
 }
 
-} // namespace
+}  // namespace
 
 std::vector<char> ZipOneFile(const std::string& fileName, const std::string& content) {
   const uint32_t crc = static_cast<uint32_t>(
@@ -101,4 +101,4 @@ std::vector<char> ZipOneFile(const std::string& fileName, const std::string& con
   return zip;
 }
 
-} // namespace TalvirSim
+}  // namespace TalvirSim

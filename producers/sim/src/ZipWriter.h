@@ -8,4 +8,4 @@ namespace TalvirSim {
 // The archive holding `content` under `fileName`, compressed with DEFLATE (or stored when deflating does not help).
 std::vector<char> ZipOneFile(const std::string& fileName, const std::string& content);
 
-} // namespace TalvirSim
+}  // namespace TalvirSim

@@ -22,12 +22,12 @@
 namespace TalvirSim {
 
 enum class ELayout {
-  Unpacked,     // each component in its own 1- or 2-byte little-endian container, in `order`
-  PackedPair,   // two pixels in three bytes: high bits of p0, low bits of both (p0 low nibble), high bits of p1
-  BitStream,    // components packed LSB first into a little-endian bit stream
-  Yuv422,       // two pixels share U and V; `order` is the byte order of a group, e.g. "YUYV" or "UYVY"
-  Yuv411,       // four pixels share U and V; group "UYYVYY"
-  Packed565     // one 16-bit little-endian word per pixel; `order` lists the components from bit 0 upwards
+  Unpacked,    // each component in its own 1- or 2-byte little-endian container, in `order`
+  PackedPair,  // two pixels in three bytes: high bits of p0, low bits of both (p0 low nibble), high bits of p1
+  BitStream,   // components packed LSB first into a little-endian bit stream
+  Yuv422,      // two pixels share U and V; `order` is the byte order of a group, e.g. "YUYV" or "UYVY"
+  Yuv411,      // four pixels share U and V; group "UYYVYY"
+  Packed565    // one 16-bit little-endian word per pixel; `order` lists the components from bit 0 upwards
 };
 
 struct SPixelFormat {
@@ -133,13 +133,10 @@ inline const SPixelFormat* FindPixelFormat(const std::string& name) {
 inline uint32_t ComponentIndex(char letter) {
   switch (letter) {
   case 'G':
-  case 'U':
-    return 1;
+  case 'U': return 1;
   case 'B':
-  case 'V':
-    return 2;
-  default:
-    return 0;
+  case 'V': return 2;
+  default: return 0;
   }
 }
 
@@ -175,16 +172,12 @@ inline size_t ImageSize(const SPixelFormat& format, uint64_t width, uint64_t hei
   switch (format.layout) {
   case ELayout::Unpacked:
     return static_cast<size_t>(pixels * std::char_traits<char>::length(format.order) * format.container);
-  case ELayout::PackedPair:
-    return static_cast<size_t>((pixels * 3 + 1) / 2);
+  case ELayout::PackedPair: return static_cast<size_t>((pixels * 3 + 1) / 2);
   case ELayout::BitStream:
     return static_cast<size_t>((pixels * std::char_traits<char>::length(format.order) * format.bits + 7) / 8);
-  case ELayout::Yuv422:
-    return static_cast<size_t>(pixels * 2);
-  case ELayout::Yuv411:
-    return static_cast<size_t>((pixels * 3 + 1) / 2);
-  case ELayout::Packed565:
-    return static_cast<size_t>(pixels * 2);
+  case ELayout::Yuv422: return static_cast<size_t>(pixels * 2);
+  case ELayout::Yuv411: return static_cast<size_t>((pixels * 3 + 1) / 2);
+  case ELayout::Packed565: return static_cast<size_t>(pixels * 2);
   }
   return 0;
 }
@@ -243,13 +236,13 @@ inline void FillMono8(uint64_t width, uint64_t height, uint64_t frameId, uint8_t
   }
 }
 
-} // namespace Detail
+}  // namespace Detail
 
 namespace Detail {
 
 // Any layout, pixel by pixel.
 inline size_t FillGeneric(const SPixelFormat& format, uint64_t width, uint64_t height, uint64_t frameId, uint8_t* out,
-                        size_t size) {
+                          size_t size) {
   const size_t needed = ImageSize(format, width, height);
   const size_t order = std::char_traits<char>::length(format.order);
   const size_t limit = std::min(size, needed);
@@ -280,8 +273,7 @@ inline size_t FillGeneric(const SPixelFormat& format, uint64_t width, uint64_t h
           const uint64_t first = index % 2 == 1 ? index - 1 : index;
           const uint32_t low = format.bits - 8;
           const uint32_t p0 = ExpectedComponent(format, first % width, first / width, frameId, 0);
-          const uint32_t p1 =
-              index % 2 == 1 ? ExpectedComponent(format, index % width, index / width, frameId, 0) : 0;
+          const uint32_t p1 = index % 2 == 1 ? ExpectedComponent(format, index % width, index / width, frameId, 0) : 0;
           const uint32_t lowMask = (1u << low) - 1;
           put(static_cast<uint8_t>(p0 >> low));
           put(static_cast<uint8_t>((p0 & lowMask) | ((p1 & lowMask) << 4)));
@@ -402,7 +394,7 @@ inline void FillByRowOffset(const SPixelFormat& format, uint64_t width, uint64_t
   }
 }
 
-} // namespace Detail
+}  // namespace Detail
 
 // Draws frame `frameId` into `out`; writes at most `size` bytes (a short buffer receives the image's beginning).
 // Returns the number of bytes the whole image needs. 4:2:2 and 4:1:1 images need widths of multiples of 2 and 4.
@@ -414,8 +406,7 @@ inline size_t FillImage(const SPixelFormat& format, uint64_t width, uint64_t hei
     Detail::FillMono8(width, height, frameId, out, size);
     return needed;
   }
-  const bool rowAligned = format.layout == ELayout::Unpacked ||
-                          (format.layout == ELayout::Yuv422 && width % 2 == 0) ||
+  const bool rowAligned = format.layout == ELayout::Unpacked || (format.layout == ELayout::Yuv422 && width % 2 == 0) ||
                           (format.layout == ELayout::Yuv411 && width % 4 == 0);
   if (rowAligned && width > 0) {
     Detail::FillByRowOffset(format, width, height, frameId, out, std::min(size, needed));
@@ -430,4 +421,4 @@ inline std::vector<uint8_t> MakeImage(const SPixelFormat& format, uint64_t width
   return image;
 }
 
-} // namespace TalvirSim
+}  // namespace TalvirSim
