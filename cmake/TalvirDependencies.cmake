@@ -5,6 +5,8 @@ find_package(ZLIB REQUIRED)
 find_package(pugixml REQUIRED)
 find_package(nlohmann_json 3 REQUIRED)
 find_package(PNG REQUIRED)
+find_package(TIFF REQUIRED)
+find_package(CLI11 REQUIRED)
 pkg_check_modules(MINIZIP REQUIRED IMPORTED_TARGET minizip)
 pkg_check_modules(INIH REQUIRED IMPORTED_TARGET inih)
 

@@ -10,6 +10,8 @@ packages=(
   cmake ninja-build g++ pkg-config git
   # library
   libpugixml-dev libminizip-dev zlib1g-dev nlohmann-json3-dev libpng-dev libinih-dev
+  # command-line tool: argument parsing, TIFF files; packages (cpack DEB)
+  libcli11-dev libtiff-dev dpkg-dev
   # tests and benchmarks
   libgtest-dev libgmock-dev libbenchmark-dev
   # node-map oracle for the differential tests (its pkg-config file needs libusb's)
