@@ -58,9 +58,11 @@ TEST(TalvirCli, PrintsAnAlignedTable) {
 }
 
 TEST(TalvirCli, RefusesBadArguments) {
-  for (const std::vector<std::string>& arguments :
-       {std::vector<std::string>{"--type", "GEV"}, {"--type", "-1"}, {"--type"}, {"--bogus"},
-        {"--type", "1", "--producer", "x.cti"}}) {
+  for (const std::vector<std::string>& arguments : {std::vector<std::string>{"--type", "GEV"},
+                                                    {"--type", "-1"},
+                                                    {"--type"},
+                                                    {"--bogus"},
+                                                    {"--type", "1", "--producer", "x.cti"}}) {
     std::ostringstream out;
     std::ostringstream errors;
     EXPECT_EQ(RunDiscover(arguments, out, errors), 2);
