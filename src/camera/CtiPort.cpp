@@ -40,10 +40,14 @@ std::string UpperCase(std::string text) {
   return text;
 }
 
-uint64_t HexNumber(const std::string& text) { return std::strtoull(text.c_str(), nullptr, 16); }
+uint64_t HexNumber(const std::string& text) {
+  return std::strtoull(text.c_str(), nullptr, 16);
+}
 
 // Zero bytes, control characters and anything beyond ASCII that a module leaves after the XML text.
-bool IsTrailingJunk(unsigned char c) { return c < 10 || c > 126; }
+bool IsTrailingJunk(unsigned char c) {
+  return c < 10 || c > 126;
+}
 
 } // namespace
 
@@ -57,7 +61,8 @@ void CCtiPort::Read(void* buffer, int64_t address, int64_t length) {
   }
   size_t size = static_cast<size_t>(length);
   const auto readPort = m_pCti->Api().GCReadPort;
-  if (readPort == nullptr || readPort(m_hPort, static_cast<uint64_t>(address), buffer, &size) != GenTL::GC_ERR_SUCCESS) {
+  if (readPort == nullptr ||
+      readPort(m_hPort, static_cast<uint64_t>(address), buffer, &size) != GenTL::GC_ERR_SUCCESS) {
     ThrowAccessFailure(EAccess::Read, address);
   }
 }

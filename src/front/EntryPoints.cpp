@@ -3,6 +3,7 @@
 #include "camera/CameraRegistry.h"
 #include "front/CtiManager.h"
 #include "front/Discovery.h"
+#include "image/ImgTool.h"
 #include "platform/SelfPath.h"
 
 #include <talvir/Talvir.h>
@@ -79,9 +80,12 @@ ICamera* CreateCameraBySN(const char* serialNumber) {
     return nullptr;
   }
   CCameraRegistry* const registry = g_manager->Registry();
-  return CreateCameraBySerial(*g_manager, serialNumber, [registry](ICameraInfo* info) {
-    return registry->CreateCamera(info);
-  });
+  return CreateCameraBySerial(*g_manager, serialNumber,
+                              [registry](ICameraInfo* info) { return registry->CreateCamera(info); });
+}
+
+uint32_t ConvertedPixelFormat(uint32_t pixelFormat) {
+  return CImgTool::OutputFormatOf(pixelFormat);
 }
 
 } // namespace TALVIR

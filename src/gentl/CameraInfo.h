@@ -14,7 +14,6 @@ namespace TALVIR {
 class CCti;
 class IGenTLModule;
 
-
 class CCameraInfo final : public ICameraInfo, public CRef {
 public:
   CCameraInfo(CCti* producer, IGenTLModule* interfaceModule);
@@ -39,6 +38,9 @@ public:
   uint32_t m_tlType = 0;
   uint32_t m_accessStatus = 0;
   std::string m_deviceID;
+  // The ID the producer itself listed the device under; differs from m_deviceID where the library makes its own
+  // (GigE Vision records), and opens the device with producers that know only their own IDs.
+  std::string m_producerDeviceID;
   std::string m_serialNumber;
   std::string m_vendor;
   std::string m_model;

@@ -19,7 +19,9 @@ constexpr uint64_t kUpdateListTimeoutMs = 1000;
 // Size of the buffer for text answers of information queries.
 constexpr size_t kInfoTextSize = 256;
 
-std::string TextOf(const char* buffer, size_t capacity) { return std::string(buffer, strnlen(buffer, capacity)); }
+std::string TextOf(const char* buffer, size_t capacity) {
+  return std::string(buffer, strnlen(buffer, capacity));
+}
 
 std::string DecimalText(uint64_t value) {
   char text[64];
@@ -36,7 +38,7 @@ struct CSpecificCommand {
 
 // Camera Link grabbers: 1209 and 1208 are handled on their own below.
 constexpr CSpecificCommand kCameraLinkCommands[] = {
-    {1201, true, CustomInfo::CLInfo1201},  {1230, true, CustomInfo::CLInfo1230}, {1202, true, CustomInfo::CLInfo1202},
+    {1201, true, CustomInfo::CLInfo1201},  {1230, true, CustomInfo::CLInfo1230},  {1202, true, CustomInfo::CLInfo1202},
     {1205, false, CustomInfo::CLInfo1205}, {1203, false, CustomInfo::CLInfo1203}, {1207, false, CustomInfo::CLInfo1207},
     {1231, false, CustomInfo::CLInfo1231},
 };
@@ -169,6 +171,7 @@ bool CCti::EnumDevices(std::list<CCameraInfo*>& out) {
       id[idSize] = '\0';
       auto* record = new CCameraInfo(this, interfaceModule.get());
       record->m_deviceID = TextOf(id.data(), id.size());
+      record->m_producerDeviceID = record->m_deviceID;
       record->m_customInfo[CustomInfo::ProducerFile] = m_fileName;
       out.push_back(record);
       FillCameraInfo(*record, record->m_deviceID);
@@ -177,8 +180,8 @@ bool CCti::EnumDevices(std::list<CCameraInfo*>& out) {
   return true;
 }
 
-bool CCti::QueryDeviceBuffer(IGenTLModule& interfaceModule, const std::string& deviceID, int32_t command,
-                             void* buffer, size_t size) {
+bool CCti::QueryDeviceBuffer(IGenTLModule& interfaceModule, const std::string& deviceID, int32_t command, void* buffer,
+                             size_t size) {
   GenTL::INFO_DATATYPE type = GenTL::INFO_DATATYPE_UNKNOWN;
   size_t bufferSize = size;
   return m_api.IFGetDeviceInfo(interfaceModule.Handle(), deviceID.c_str(), command, &type, buffer, &bufferSize) ==

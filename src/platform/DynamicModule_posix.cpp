@@ -4,16 +4,62 @@
 
 #include <dlfcn.h>
 
+#include <algorithm>
 #include <cctype>
-
+#include <mutex>
 #include <string>
+#include <thread>
+#include <utility>
+#include <vector>
 
 namespace TALVIR::Platform {
 namespace {
 
-thread_local std::string t_lastError;
+// The last loader failure of each thread. A table rather than thread-local storage: a library with thread-local
+// data that is loaded and unloaded many times (as applications and tests do with this one) leaves stale entries in
+// every thread's dynamic TLS, which leak checkers then trip over. Threads that never fail have no entry; the table
+// keeps the newest entries only.
+class CLastErrors {
+public:
+  void Set(std::string text) {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    const std::thread::id self = std::this_thread::get_id();
+    m_errors.erase(
+        std::remove_if(m_errors.begin(), m_errors.end(), [&](const auto& entry) { return entry.first == self; }),
+        m_errors.end());
+    if (text.empty()) {
+      return;
+    }
+    if (m_errors.size() >= kMaxThreads) {
+      m_errors.erase(m_errors.begin());
+    }
+    m_errors.emplace_back(self, std::move(text));
+  }
+  std::string Get() {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    const std::thread::id self = std::this_thread::get_id();
+    for (const auto& entry : m_errors) {
+      if (entry.first == self) {
+        return entry.second;
+      }
+    }
+    return {};
+  }
 
-bool HasFolder(const std::string& name) { return name.find('/') != std::string::npos; }
+private:
+  static constexpr size_t kMaxThreads = 64;
+  std::mutex m_mutex;
+  std::vector<std::pair<std::thread::id, std::string>> m_errors;
+};
+
+CLastErrors& LastErrors() {
+  static CLastErrors errors;
+  return errors;
+}
+
+bool HasFolder(const std::string& name) {
+  return name.find('/') != std::string::npos;
+}
 
 bool EndsWithIgnoringCase(const std::string& text, const std::string& suffix) {
   if (text.size() < suffix.size()) {
@@ -34,9 +80,9 @@ ModuleHandle OpenAndRecord(const std::string& path) {
   ModuleHandle handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (handle == nullptr) {
     const char* text = dlerror();
-    t_lastError = text != nullptr ? text : "dlopen failed";
+    LastErrors().Set(text != nullptr ? text : "dlopen failed");
   } else {
-    t_lastError.clear();
+    LastErrors().Set({});
   }
   return handle;
 }
@@ -55,7 +101,7 @@ std::string NativeModuleName(const std::string& windowsName) {
 
 ModuleHandle LoadModule(const std::string& nameOrPath) {
   if (nameOrPath.empty()) {
-    t_lastError = "empty module name";
+    LastErrors().Set("empty module name");
     return nullptr;
   }
   const std::string native = NativeModuleName(nameOrPath);
@@ -83,6 +129,8 @@ void FreeModule(ModuleHandle module) {
   }
 }
 
-std::string LastModuleError() { return t_lastError; }
+std::string LastModuleError() {
+  return LastErrors().Get();
+}
 
 } // namespace TALVIR::Platform

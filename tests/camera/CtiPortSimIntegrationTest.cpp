@@ -21,7 +21,8 @@ class CtiPortSimTest : public ::testing::Test {
 protected:
   // The default producer copied into a fresh folder with `config` beside it, loaded with ports as module records.
   std::unique_ptr<CCti> LoadSim(const std::string& config) {
-    std::filesystem::copy_file(std::filesystem::path(TALVIR_BIN_DIR) / "TalvirSim.cti", m_folder.Path() / "TalvirSim.cti");
+    std::filesystem::copy_file(std::filesystem::path(TALVIR_BIN_DIR) / "TalvirSim.cti",
+                               m_folder.Path() / "TalvirSim.cti");
     if (!config.empty()) {
       m_folder.WriteFile("TalvirSim.cti.json", config);
     }
@@ -116,9 +117,10 @@ TEST_F(CtiPortSimTest, TheCamerasZippedDescriptionLoadsBehindAMixedCaseScheme) {
 
 TEST_F(CtiPortSimTest, AFailingRegisterReadReachesTheFeatureReader) {
   char config[256];
-  std::snprintf(config, sizeof config,
-                R"({"interfaces": [{"devices": [{"id": "faulty", "serial": "F1", "faults": {"readFailAddress": %llu}}]}]})",
-                static_cast<unsigned long long>(TalvirSim::Remote::kDeviceSerialNumber));
+  std::snprintf(
+      config, sizeof config,
+      R"({"interfaces": [{"devices": [{"id": "faulty", "serial": "F1", "faults": {"readFailAddress": %llu}}]}]})",
+      static_cast<unsigned long long>(TalvirSim::Remote::kDeviceSerialNumber));
   std::unique_ptr<CCti> cti = LoadSim(config);
   ASSERT_NE(cti, nullptr);
   void* handle = OpenRemotePort(*cti, "faulty");

@@ -15,9 +15,9 @@ namespace {
 
 using Testing::CFakeProducerModule;
 using Testing::CLibraryUnderTest;
+using ::testing::ElementsAre;
 using Testing::MakeFakeDevice;
 using Testing::MakeFakeInterface;
-using ::testing::ElementsAre;
 
 std::vector<std::string> SerialsAndGiveBack(std::list<ICameraInfo*> records) {
   std::vector<std::string> serials;
@@ -51,7 +51,7 @@ TEST_F(EntryPointsTest, BeforeInitEveryEntryPointIsEmpty) {
   EXPECT_EQ(m_library.CreateCamera(nullptr), nullptr);
   EXPECT_EQ(m_library.CreateCameraBySN("SN0"), nullptr);
   EXPECT_EQ(m_fake.State().CountCalls("GCInitLib"), 0u);
-  m_library.UnInit();  // without Init: harmless
+  m_library.UnInit(); // without Init: harmless
 }
 
 TEST_F(EntryPointsTest, AfterUnInitEveryEntryPointIsEmptyAgain) {
@@ -166,26 +166,40 @@ TEST_F(EntryPointsTest, CreateCameraBySNRunsExactlyOneFullDiscoveryForAnUnknownD
   LinkFake("Fake.cti");
   m_library.Load();
   m_library.Init();
-  // No camera class exists yet, so creation gives null after the lookup.
-  EXPECT_EQ(m_library.CreateCameraBySN("SN2"), nullptr);
+  ICamera* const camera = m_library.CreateCameraBySN("SN2");
+  ASSERT_NE(camera, nullptr);
+  EXPECT_STREQ(camera->GetCameraInfo()->GetSerialNumber(), "SN2");
   EXPECT_EQ(Enumerations(), 1u);
-  // Now the device is known: no further discovery.
-  EXPECT_EQ(m_library.CreateCameraBySN("SN2"), nullptr);
+  // Now the device is known: no further discovery, and the same camera again.
+  EXPECT_EQ(m_library.CreateCameraBySN("SN2"), camera);
   EXPECT_EQ(Enumerations(), 1u);
   // An absent device: one more discovery each time.
   EXPECT_EQ(m_library.CreateCameraBySN("SN9"), nullptr);
   EXPECT_EQ(Enumerations(), 2u);
+  // The camera still alive is released by UnInit (the leak checker watches).
 }
 
-TEST_F(EntryPointsTest, CreateCameraRefusesWhatItCannotOpen) {
+TEST_F(EntryPointsTest, CreateCameraGivesOneCameraPerDevice) {
   LinkFake("Fake.cti");
   m_library.Load();
   m_library.Init();
   EXPECT_EQ(m_library.CreateCamera(nullptr), nullptr);
   std::list<ICameraInfo*> records = m_library.Discovery(nullptr);
-  ASSERT_FALSE(records.empty());
-  EXPECT_EQ(m_library.CreateCamera(records.front()), nullptr);
+  ASSERT_EQ(records.size(), 3u);
+  ICamera* const first = m_library.CreateCamera(records.front());
+  ASSERT_NE(first, nullptr);
+  EXPECT_EQ(first->GetCameraInfo(), records.front());
+  EXPECT_EQ(m_library.CreateCamera(records.front()), first);
+  ICamera* const second = m_library.CreateCamera(records.back());
+  EXPECT_NE(second, first);
+  // A record of a later discovery for the same device finds the same camera.
+  std::list<ICameraInfo*> again = m_library.Discovery(nullptr);
+  EXPECT_EQ(m_library.CreateCamera(again.front()), first);
+  second->Release();
   SerialsAndGiveBack(std::move(records));
+  SerialsAndGiveBack(std::move(again));
+  // The camera holds its record: still readable after the caller gave its reference back.
+  EXPECT_STREQ(first->GetCameraInfo()->GetSerialNumber(), "SN0");
 }
 
 TEST_F(EntryPointsTest, RecordsOutliveANewerDiscoveryUntilGivenBack) {

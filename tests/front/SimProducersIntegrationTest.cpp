@@ -2,6 +2,8 @@
 // copied beside a copy of the library under the file name the test needs.
 #include "LibraryUnderTest.h"
 
+#include <GenApi/GenApi.h>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -73,8 +75,8 @@ bool IsLibraryGevDeviceID(const std::string& id, const std::string& model, const
   }
   const std::string tail = id.substr(head.size() + 17);
   const std::string serialPart = "[" + serial + "]##";
-  if (!IsMac(id.substr(head.size(), 17), '-') || tail.rfind(serialPart, 0) != 0 || tail.size() < serialPart.size() + 3 ||
-      tail.compare(tail.size() - 2, 2, "##") != 0) {
+  if (!IsMac(id.substr(head.size(), 17), '-') || tail.rfind(serialPart, 0) != 0 ||
+      tail.size() < serialPart.size() + 3 || tail.compare(tail.size() - 2, 2, "##") != 0) {
     return false;
   }
   return IsDecimal(tail.substr(serialPart.size(), tail.size() - serialPart.size() - 2));
@@ -86,9 +88,11 @@ protected:
 };
 
 TEST_F(SimProducersTest, EveryFlavourListsItsDevicesWithItsType) {
-  const std::pair<const char*, uint32_t> flavours[] = {
-      {"TalvirSim.cti", 0}, {"TalvirSimGEVTL.cti", TLType::GEV}, {"U3VTLTAV.cti", TLType::U3V},
-      {"TalvirSimCL.cti", TLType::CL}, {"TalvirSimCXP.cti", TLType::CXP}};
+  const std::pair<const char*, uint32_t> flavours[] = {{"TalvirSim.cti", 0},
+                                                       {"TalvirSimGEVTL.cti", TLType::GEV},
+                                                       {"U3VTLTAV.cti", TLType::U3V},
+                                                       {"TalvirSimCL.cti", TLType::CL},
+                                                       {"TalvirSimCXP.cti", TLType::CXP}};
   for (const auto& [file, tlType] : flavours) {
     m_library.CopyFromBin(file);
   }
@@ -273,6 +277,53 @@ TEST_F(SimProducersTest, AProducerThatFailsToInitialiseIsSkipped) {
     EXPECT_EQ(row.producer, "TalvirSimCXP.cti");
   }
   EXPECT_TRUE(m_library.Discovery("Failing.cti").empty());
+}
+
+} // namespace
+} // namespace TALVIR
+
+namespace TALVIR {
+namespace {
+
+// The whole path an application takes: discovery, a camera by serial number, its features, images in every grab
+// mode, and UnInit with the camera still alive.
+TEST(SimProducersApplication, OpensConfiguresAndGrabsThroughTheExportedFunctions) {
+  for (const char* producer : {"TalvirSim.cti", "TalvirSimGEVTL.cti", "U3VTLTAV.cti"}) {
+    SCOPED_TRACE(producer);
+    CLibraryUnderTest library;
+    library.CopyFromBin(producer);
+    library.Load();
+    library.Init();
+    std::string serial;
+    for (ICameraInfo* record : library.DiscoveryByTLType(TLType::AllProducers)) {
+      if (std::string(record->GetModel()) == "SimColor") {
+        serial = record->GetSerialNumber();
+      }
+      record->Destroy();
+    }
+    ASSERT_FALSE(serial.empty());
+    ICamera* camera = library.CreateCameraBySN(serial.c_str());
+    ASSERT_NE(camera, nullptr);
+    ASSERT_EQ(camera->Open(AccessMode::Control), Status::Ok);
+    GenApi::INodeMap* features = camera->GetRemoteXml()->GetNodeMap();
+    ASSERT_NE(features, nullptr);
+    GenApi::CIntegerPtr width(features->GetNode("Width"));
+    width->SetValue(320);
+    GenApi::CEnumerationPtr format(features->GetNode("PixelFormat"));
+    format->FromString("BayerRG8");
+    for (uint32_t mode : {GrabMode::Direct, GrabMode::Newest, GrabMode::Fresh}) {
+      ASSERT_EQ(camera->StartGrabbing(mode, 0), Status::Ok);
+      IImage* image = nullptr;
+      ASSERT_EQ(camera->GetImage(&image, 2000), Status::Ok);
+      EXPECT_EQ(image->GetWidth(), 320u);
+      EXPECT_NE(image->GetConvertedImage(), nullptr) << "BayerRG8 converts to BGR8 for display";
+      image->Release();
+      camera->StopGrabbing();
+    }
+    ASSERT_EQ(camera->StartGrabbing(GrabMode::Newest, 0), Status::Ok);
+    // UnInit releases the camera while it grabs.
+    library.UnInit();
+  }
 }
 
 } // namespace

@@ -1,0 +1,233 @@
+#include "camera/GenImage.h"
+
+#include "camera/Camera.h"
+#include "camera/CameraLink.h"
+#include "gentl/Cti.h"
+#include "image/PixelLayout.h"
+
+#include <talvir/TLType.h>
+
+#include <GenApi/GenApi.h>
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <vector>
+
+namespace TALVIR {
+namespace {
+
+// Producer-specific buffer information with figures of the transport (GigE producers: packet counts).
+constexpr int32_t kCustomInfo1 = 1001;
+constexpr int32_t kCustomInfo2 = 1002;
+constexpr int32_t kCustomInfo3 = 1003;
+
+// Old producers deliver chunk-mode buffers as payload type 4 with this width and the byte count as height.
+constexpr uint64_t kLegacyChunkPayloadType = 4;
+constexpr uint64_t kNoGeometryWidth = 0xFFFFFFFFu;
+
+} // namespace
+
+CGenImage::CGenImage(CCamera* camera, std::shared_ptr<CCameraLink> link, std::shared_ptr<CBufferMemory> memory,
+                     uint64_t acquisition)
+    : m_pCamera(camera), m_link(std::move(link)), m_memory(std::move(memory)), m_acquisition(acquisition) {}
+
+CGenImage::~CGenImage() {
+  m_chunks.clear();
+  if (m_link != nullptr && m_hBuffer != nullptr) {
+    void* const buffer = m_hBuffer;
+    const uint64_t acquisition = m_acquisition;
+    m_link->WithCamera([buffer, acquisition](CCamera& camera) { camera.RequeueBuffer(buffer, acquisition); });
+  }
+}
+
+void CGenImage::Release() {
+  delete this;
+}
+
+bool CGenImage::QueryInfo(CCti* producer, void* stream, int32_t command, void* value, size_t size) const {
+  const auto query = producer->Api().DSGetBufferInfo;
+  if (query == nullptr) {
+    return false;
+  }
+  GenTL::INFO_DATATYPE type = GenTL::INFO_DATATYPE_UNKNOWN;
+  size_t returned = size;
+  return query(stream, m_hBuffer, command, &type, value, &returned) == GenTL::GC_ERR_SUCCESS && returned <= size;
+}
+
+int32_t CGenImage::Fill(CCti* producer, void* stream, void* buffer, bool fillFlag) {
+  m_fillFlag = fillFlag;
+  m_hBuffer = buffer;
+  if (producer == nullptr || stream == nullptr || buffer == nullptr) {
+    return FillResult::Invalid;
+  }
+  // Flags are one byte, every other figure at most eight; each starts at zero so that a producer answering with
+  // fewer bytes leaves a defined value.
+  const auto flag = [&](int32_t command, bool& out) {
+    uint8_t value = 0;
+    const bool ok = QueryInfo(producer, stream, command, &value, sizeof value);
+    out = value != 0;
+    return ok;
+  };
+  const auto number = [&](int32_t command, uint64_t& out) {
+    uint64_t value = 0;
+    const bool ok = QueryInfo(producer, stream, command, &value, sizeof value);
+    out = value;
+    return ok;
+  };
+  if (!flag(GenTL::BUFFER_INFO_IS_INCOMPLETE, m_incomplete) || !number(GenTL::BUFFER_INFO_WIDTH, m_width) ||
+      !number(GenTL::BUFFER_INFO_HEIGHT, m_height)) {
+    return FillResult::QueryFailed;
+  }
+  void* base = nullptr;
+  if (!QueryInfo(producer, stream, GenTL::BUFFER_INFO_BASE, &base, sizeof base)) {
+    return FillResult::QueryFailed;
+  }
+  if (base == nullptr) {
+    return FillResult::NoBase;
+  }
+  m_pBase = base;
+  if (!number(GenTL::BUFFER_INFO_SIZE, m_size) || !number(GenTL::BUFFER_INFO_SIZE_FILLED, m_sizeFilled) ||
+      !number(GenTL::BUFFER_INFO_FRAMEID, m_frameId) || !number(GenTL::BUFFER_INFO_PIXELFORMAT, m_pixelFormat) ||
+      !number(GenTL::BUFFER_INFO_XOFFSET, m_offsetX) || !number(GenTL::BUFFER_INFO_YOFFSET, m_offsetY) ||
+      !number(GenTL::BUFFER_INFO_XPADDING, m_paddingX) || !number(GenTL::BUFFER_INFO_YPADDING, m_paddingY) ||
+      !number(GenTL::BUFFER_INFO_TIMESTAMP, m_timestamp) || !flag(GenTL::BUFFER_INFO_IMAGEPRESENT, m_imagePresent) ||
+      !number(GenTL::BUFFER_INFO_IMAGEOFFSET, m_imageOffset) ||
+      !number(GenTL::BUFFER_INFO_PAYLOADTYPE, m_payloadType)) {
+    return FillResult::QueryFailed;
+  }
+  // Optional figures: a producer without them leaves 0.
+  number(kCustomInfo1, m_custom1);
+  number(kCustomInfo2, m_custom2);
+  number(kCustomInfo3, m_custom3);
+  flag(GenTL::BUFFER_INFO_CONTAINS_CHUNKDATA, m_hasChunks);
+
+  if (m_payloadType == kLegacyChunkPayloadType && m_width == kNoGeometryWidth) {
+    // The producer knows no geometry: the camera's own width applies, and the height it reported is a byte count.
+    const uint64_t width = m_pCamera != nullptr ? m_pCamera->StoredWidth() : 0;
+    if (width == 0) {
+      return FillResult::NoGeometry;
+    }
+    m_width = width;
+    m_pixelFormat = m_pCamera->StoredPixelFormat();
+    // Lines are counted in bytes of a line, so that formats of more than 8 bits get their true height too.
+    const uint64_t lineBytes = ImageSizeBytes(static_cast<uint32_t>(m_pixelFormat), width, 1);
+    m_height /= lineBytes != 0 ? lineBytes : width;
+  }
+  if (m_hasChunks) {
+    m_imageOffset = 0;
+  }
+  if (m_height == 0 && m_pCamera != nullptr && (m_pCamera->TLType() & TLType::CXP) != 0) {
+    ReadCxpHeight();
+  }
+  if (m_hasChunks) {
+    ReadChunks(producer, stream);
+  }
+  if (m_incomplete) {
+    return FillResult::Incomplete;
+  }
+  const SPixelLayout layout = PixelLayoutOf(static_cast<uint32_t>(m_pixelFormat));
+  if (layout.bits == 0 || layout.factor == 0 || m_pixelFormat > std::numeric_limits<uint32_t>::max()) {
+    return FillResult::UnknownPixelFormat;
+  }
+  m_pixelBits = layout.bits;
+  m_pixelFactor = layout.factor;
+  const uint64_t imageSize = ImageSizeBytes(static_cast<uint32_t>(m_pixelFormat), m_width, m_height);
+  if (m_imageOffset > m_size || m_size - m_imageOffset < imageSize) {
+    return FillResult::BufferTooSmall;
+  }
+  return FillResult::Ok;
+}
+
+void CGenImage::ReadCxpHeight() {
+  // Frame grabbers that learn the height only from the frame report it in the stream's BufferHeight.
+  try {
+    IXml* const xml = m_pCamera->GetStreamXml();
+    GenApi::INodeMap* const nodeMap = xml != nullptr ? xml->GetNodeMap() : nullptr;
+    if (nodeMap == nullptr) {
+      return;
+    }
+    GenApi::CIntegerPtr height(nodeMap->GetNode("BufferHeight"));
+    if (height.IsValid()) {
+      const int64_t value = height->GetValue(true, true);
+      m_height = value > 0 ? static_cast<uint64_t>(value) : 0;
+    }
+  } catch (const GenICam::GenericException&) {
+    // The height stays 0; the size checks below then see an empty image.
+  }
+}
+
+void CGenImage::ReadChunks(CCti* producer, void* stream) {
+  const auto chunkData = producer->Api().DSGetBufferChunkData;
+  if (chunkData == nullptr) {
+    return;
+  }
+  size_t count = 0;
+  if (chunkData(stream, m_hBuffer, nullptr, &count) != GenTL::GC_ERR_SUCCESS || count == 0) {
+    return;
+  }
+  std::vector<GenTL::SINGLE_CHUNK_DATA> records(count);
+  if (chunkData(stream, m_hBuffer, records.data(), &count) != GenTL::GC_ERR_SUCCESS) {
+    return;
+  }
+  count = std::min(count, records.size());
+  auto* const base = static_cast<const uint8_t*>(m_pBase);
+  for (size_t i = 0; i < count; ++i) {
+    const GenTL::SINGLE_CHUNK_DATA& record = records[i];
+    if (record.ChunkOffset < 0) {
+      continue;
+    }
+    const auto offset = static_cast<uint64_t>(record.ChunkOffset);
+    // A record reaching past the buffer's end is skipped rather than handed out as a pointer into foreign memory.
+    if (offset > m_size || record.ChunkLength > m_size - offset) {
+      continue;
+    }
+    m_chunks.push_back(std::make_unique<CChunk>(record.ChunkID, base + offset, record.ChunkLength));
+  }
+}
+
+std::list<IChunk*> CGenImage::GetChunks() const {
+  std::list<IChunk*> chunks;
+  for (const std::unique_ptr<CChunk>& chunk : m_chunks) {
+    chunks.push_back(chunk.get());
+  }
+  return chunks;
+}
+
+void CGenImage::ZeroFillTo(uint64_t size) {
+  if (m_pBase == nullptr) {
+    return;
+  }
+  // Only bytes the producer did not write: chunk data after a short image stays as delivered.
+  const uint64_t end = std::min(size, m_size);
+  const uint64_t imageEnd = m_imageOffset + ImageSizeBytes(static_cast<uint32_t>(m_pixelFormat), m_width, m_height);
+  const uint64_t begin = std::max(std::min(imageEnd, end), std::min(m_sizeFilled, end));
+  if (begin < end) {
+    std::memset(static_cast<uint8_t*>(m_pBase) + begin, 0, static_cast<size_t>(end - begin));
+  }
+  m_sizeFilled = std::max(m_sizeFilled, end);
+}
+
+uint64_t CGenImage::GetLinePitch() const {
+  return GetPixelFactor() * GetPixelBits() * GetWidth() / 8;
+}
+
+const uint8_t* CGenImage::GetConvertedImage() {
+  if (m_pConverted != nullptr || m_incomplete || m_pBase == nullptr || m_link == nullptr) {
+    return m_pConverted;
+  }
+  // Only an image whose pixels lie wholly inside its buffer is converted.
+  const uint64_t imageSize = ImageSizeBytes(static_cast<uint32_t>(m_pixelFormat), m_width, m_height);
+  if (imageSize == 0 || m_imageOffset > m_size || m_size - m_imageOffset < imageSize ||
+      m_pixelFormat > std::numeric_limits<uint32_t>::max()) {
+    return nullptr;
+  }
+  const uint8_t* const pixels = static_cast<const uint8_t*>(m_pBase) + m_imageOffset;
+  const uint8_t* converted = nullptr;
+  m_link->WithCamera(
+      [&](CCamera& camera) { converted = camera.ConvertPixels(pixels, m_width, m_height, m_pixelFormat); });
+  m_pConverted = converted;
+  return m_pConverted;
+}
+
+} // namespace TALVIR
