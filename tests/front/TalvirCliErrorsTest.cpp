@@ -20,7 +20,7 @@ struct SResult {
   std::string errors;
 };
 
-SResult Run(const std::vector<std::string>& arguments) {
+SResult RunLine(const std::vector<std::string>& arguments) {
   std::ostringstream out;
   std::ostringstream errors;
   const int status = RunCli(arguments, out, errors);
@@ -43,40 +43,46 @@ TEST(TalvirCliErrors, UnknownSerial) {
     if (std::string(command) == "get") {
       line.push_back("Width");
     }
-    ExpectOneLine(Run(line), 1, "no camera with serial 'NO-SUCH-SERIAL' (found: ");
+    ExpectOneLine(RunLine(line), 1, "no camera with serial 'NO-SUCH-SERIAL' (found: ");
   }
-  ExpectOneLine(Run({"settings", "load", TALVIR_SOURCE_DIR "/README.md", "--serial", "NO-SUCH-SERIAL"}), 1,
+  ExpectOneLine(RunLine({"settings", "load", TALVIR_SOURCE_DIR "/README.md", "--serial", "NO-SUCH-SERIAL"}), 1,
                 "no camera with serial");
 }
 
 TEST(TalvirCliErrors, IndexPastTheEnd) {
-  ExpectOneLine(Run({"features", "--index", "999"}), 1, "no camera at index 999: discovery found ");
+  ExpectOneLine(RunLine({"features", "--index", "999"}), 1, "no camera at index 999: discovery found ");
 }
 
 TEST(TalvirCliErrors, ProducerThatFailsToLoad) {
-  ExpectOneLine(Run({"discover", "--producer", "TalvirSimNoQueue.cti"}), 1,
+  ExpectOneLine(RunLine({"discover", "--producer", "TalvirSimNoQueue.cti"}), 1,
                 "producer TalvirSimNoQueue.cti failed: it is not a GenTL producer: it lacks the function");
-  ExpectOneLine(Run({"features", "--producer", "TalvirSimNoInfo.cti"}), 1,
-                "no camera found: producer TalvirSimNoInfo.cti failed: it is not a GenTL producer");
-  ExpectOneLine(Run({"grab", "--producer", "NotThere.cti"}), 1, "producer NotThere.cti failed: there is no such file");
+  ExpectOneLine(RunLine({"features", "--producer", "TalvirSimNoQueue.cti"}), 1,
+                "no camera found: producer TalvirSimNoQueue.cti failed: it is not a GenTL producer");
+  // A shared library that is no producer, and a file that cannot be loaded at all (a program).
+  ExpectOneLine(RunLine({"discover", "--producer", "libgenicam.so"}), 1,
+                "producer libgenicam.so failed: it is not a GenTL producer: it lacks the function GCInitLib");
+  ExpectOneLine(RunLine({"get", "Width", "--producer", "talvir-cli"}), 1,
+                "no camera found: producer talvir-cli failed: it cannot be loaded (");
+  ExpectOneLine(RunLine({"grab", "--producer", "NotThere.cti"}), 1,
+                "producer NotThere.cti failed: there is no such file");
 }
 
 TEST(TalvirCliErrors, UnwritableAndUnreadableFiles) {
   const std::string missingFolder = "/nonexistent-talvir-folder/settings.txt";
-  ExpectOneLine(Run({"settings", "save", missingFolder}), 1, "cannot write " + missingFolder + ": ");
-  ExpectOneLine(Run({"settings", "load", missingFolder}), 1, "cannot read " + missingFolder + ": ");
+  ExpectOneLine(RunLine({"settings", "save", missingFolder}), 1, "cannot write " + missingFolder + ": ");
+  ExpectOneLine(RunLine({"settings", "load", missingFolder}), 1, "cannot read " + missingFolder + ": ");
   EXPECT_FALSE(std::filesystem::exists(missingFolder));
 }
 
 TEST(TalvirCliErrors, SavingSettingsOfAMissingCameraLeavesAnExistingFileAlone) {
   const std::filesystem::path file = std::filesystem::temp_directory_path() / "talvir-cli-settings-kept.txt";
   { std::ofstream(file) << "Width\t64\n"; }
-  ExpectOneLine(Run({"settings", "save", file.string(), "--serial", "NO-SUCH-SERIAL"}), 1, "no camera with serial");
+  ExpectOneLine(RunLine({"settings", "save", file.string(), "--serial", "NO-SUCH-SERIAL"}), 1, "no camera with serial");
   std::ifstream in(file);
   std::string kept((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
   EXPECT_EQ(kept, "Width\t64\n");
   std::filesystem::remove(file);
-  ExpectOneLine(Run({"settings", "save", file.string(), "--serial", "NO-SUCH-SERIAL"}), 1, "no camera with serial");
+  ExpectOneLine(RunLine({"settings", "save", file.string(), "--serial", "NO-SUCH-SERIAL"}), 1, "no camera with serial");
   EXPECT_FALSE(std::filesystem::exists(file)) << "a file made only to check the path is removed again";
 }
 
@@ -104,7 +110,7 @@ TEST(TalvirCliErrors, WrongCommandLinesAreUsageErrors) {
   };
   for (const std::vector<std::string>& line : lines) {
     SCOPED_TRACE(::testing::PrintToString(line));
-    const SResult result = Run(line);
+    const SResult result = RunLine(line);
     EXPECT_EQ(result.status, 2) << result.errors;
     EXPECT_TRUE(result.out.empty());
     EXPECT_EQ(result.errors.rfind("talvir-cli: ", 0), 0u) << result.errors;
@@ -123,12 +129,12 @@ TEST(TalvirCliErrors, EveryCommandHasHelp) {
                                                                                     {"settings", "--help"},
                                                                                     {"settings", "save", "--help"},
                                                                                     {"settings", "load", "--help"}}) {
-    const SResult result = Run(line);
+    const SResult result = RunLine(line);
     EXPECT_EQ(result.status, 0) << ::testing::PrintToString(line) << result.errors;
     EXPECT_NE(result.out.find("Usage:"), std::string::npos) << result.out;
     EXPECT_TRUE(result.errors.empty());
   }
-  const SResult grab = Run({"grab", "--help"});
+  const SResult grab = RunLine({"grab", "--help"});
   for (const char* option : {"--serial", "--index", "--mode", "--count", "--timeout", "--set", "--save"}) {
     EXPECT_NE(grab.out.find(option), std::string::npos) << option;
   }

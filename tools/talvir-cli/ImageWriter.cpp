@@ -17,7 +17,7 @@
 namespace TalvirCli {
 namespace {
 
-constexpr uint64_t kColourFlag = 0x02;
+constexpr uint32_t kBGR8 = 0x02180015;
 
 std::string Extension(const std::string& path) {
   const size_t dot = path.find_last_of('.');
@@ -111,15 +111,15 @@ void CImageWriter::SavePicture(const std::string& path, EFormat format, TALVIR::
     picture.bitDepth = 16;
     picture.significantBits = bits;
   } else {
-    const uint8_t* pixels = image.GetConvertedImage();
+    const uint32_t converted = TALVIR::ConvertedPixelFormat(static_cast<uint32_t>(image.GetPixelFormat()));
+    const uint8_t* pixels = converted != 0 ? image.GetConvertedImage() : nullptr;
     if (pixels == nullptr) {
       throw CCommandError("cannot save " + path + ": the library cannot convert pixel format " +
                           Hex(image.GetPixelFormat()) + (image.IsComplete() ? "" : " of an incomplete image") +
                           " (save it .raw instead)");
     }
     picture.pixels = pixels;
-    // The top byte of a PFNC code says monochrome (0x01) or colour (0x02): colour converts to BGR8, the rest to Mono8.
-    picture.channels = (image.GetPixelFormat() >> 24) == kColourFlag ? 3 : 1;
+    picture.channels = converted == kBGR8 ? 3 : 1;
     picture.stride = static_cast<size_t>(picture.width) * static_cast<size_t>(picture.channels);
   }
   if (format == EFormat::Png) {
