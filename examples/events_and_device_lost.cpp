@@ -25,7 +25,7 @@ public:
       m_changed.notify_all();
     }
   }
-  bool WaitLost(std::chrono::seconds timeout) {
+  bool WaitLost(std::chrono::milliseconds timeout) {
     std::unique_lock<std::mutex> lock(m_mutex);
     return m_changed.wait_for(lock, timeout, [this] { return m_lost; });
   }
@@ -106,8 +106,30 @@ int main(int argc, char** argv) {
     } else {
       std::printf("unplug the camera now\n");
     }
-    const bool lost = handler.WaitLost(std::chrono::seconds(30));
-    std::printf(lost ? "device lost: closing the camera\n" : "the device did not go away\n");
+    // A loss shows three ways: the handler's notification (from transports that report it), a fetch that fails,
+    // and IsOnline() turning false once the device stops answering its probes.
+    const char* how = nullptr;
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (how == nullptr && std::chrono::steady_clock::now() < deadline) {
+      TALVIR::IImage* image = nullptr;
+      const int32_t status = camera->GetImage(&image, 200);
+      if (image != nullptr) {
+        image->Release();
+      }
+      if (handler.WaitLost(std::chrono::milliseconds(0))) {
+        how = "notified";
+      } else if (status == TALVIR::Status::FetchFailed) {
+        how = "an image fetch failed";
+      } else if (!camera->IsOnline()) {
+        how = "it no longer answers";
+      }
+    }
+    const bool lost = how != nullptr;
+    if (lost) {
+      std::printf("device lost (%s): closing the camera\n", how);
+    } else {
+      std::printf("the device did not go away\n");
+    }
     // After a loss every call still returns; close, and open again once the device is back.
     camera->SetEventCallback(TALVIR::EventModule::RemoteDevice, GenTL::EVENT_REMOTE_DEVICE, nullptr);
     camera->StopGrabbing();
