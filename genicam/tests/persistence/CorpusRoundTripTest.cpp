@@ -46,10 +46,7 @@ TEST(CorpusRoundTrip, EverySavedSettingLoadsBackOrIsReported) {
     SRoundTrip trip;
     try {
       trip = RoundTrip(description, GenApi::fsAllWritable, [](CDevice&) {});
-      // Saving puts every selector back: a second save of the same device gives the same text.
-      CDevice device(description, 1);
-      const std::string saved = GenApi::SaveFeatures(device.Map(), GenApi::fsAllWritable);
-      EXPECT_EQ(std::string(GenApi::SaveFeatures(device.Map(), GenApi::fsAllWritable)), saved);
+      EXPECT_TRUE(trip.Repeatable) << "saving must put every selector back";
     } catch (const GenICam::GenericException& error) {
       ADD_FAILURE() << "saving or loading raised: " << error.GetDescription();
       continue;
@@ -72,7 +69,12 @@ TEST(CorpusRoundTrip, StreamableSettingsLoadBack) {
   size_t lost = 0;
   for (const std::string& file : files) {
     SCOPED_TRACE(file);
-    const SRoundTrip trip = RoundTrip(ReadFileBytes(file), GenApi::fsStreamable, [](CDevice&) {});
+    const std::string description = ReadFileBytes(file);
+    if (description.find("<Streamable>Yes") == std::string::npos) {
+      continue; // nothing marked streamable (or zipped): the test above covers it
+    }
+    const SRoundTrip trip = RoundTrip(description, GenApi::fsStreamable, [](CDevice&) {});
+    EXPECT_TRUE(trip.Repeatable);
     lines += trip.Lines;
     lost += trip.Lost.size();
   }

@@ -17,6 +17,7 @@ struct SRoundTrip {
   size_t Lines = 0;              // settings lines of the first text
   size_t Failed = 0;             // lines loading reported as failed
   std::vector<std::string> Lost; // lines neither found again nor reported
+  bool Repeatable = false;       // a second save of the first device gave the same text (selectors restored)
 };
 
 inline std::vector<std::string> SettingLines(const std::string& text) {
@@ -39,6 +40,7 @@ SRoundTrip RoundTrip(const std::string& description, GenApi::EFeatureSelection s
   CDevice first(description, 1);
   prepare(first);
   const std::string saved = GenApi::SaveFeatures(first.Map(), selection);
+  trip.Repeatable = std::string(GenApi::SaveFeatures(first.Map(), selection)) == saved;
   CDevice second(description, secondSeed);
   prepare(second);
   const GenApi::CFeatureLoadResult result = GenApi::LoadFeatures(second.Map(), saved);
