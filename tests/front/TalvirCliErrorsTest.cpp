@@ -6,7 +6,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -79,8 +78,9 @@ TEST(TalvirCliErrors, SavingSettingsOfAMissingCameraLeavesAnExistingFileAlone) {
   { std::ofstream(file) << "Width\t64\n"; }
   ExpectOneLine(RunLine({"settings", "save", file.string(), "--serial", "NO-SUCH-SERIAL"}), 1, "no camera with serial");
   std::ifstream in(file);
-  std::string kept((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-  EXPECT_EQ(kept, "Width\t64\n");
+  std::ostringstream kept;
+  kept << in.rdbuf();
+  EXPECT_EQ(kept.str(), "Width\t64\n");
   std::filesystem::remove(file);
   ExpectOneLine(RunLine({"settings", "save", file.string(), "--serial", "NO-SUCH-SERIAL"}), 1, "no camera with serial");
   EXPECT_FALSE(std::filesystem::exists(file)) << "a file made only to check the path is removed again";
