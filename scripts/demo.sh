@@ -11,3 +11,8 @@ bin=build/default/bin
 echo
 echo "== Devices discovered through every bundled simulated producer =="
 "$bin/talvir-cli" discover
+echo
+echo "== 200 frames from the simulated colour camera in each grab mode, the last one saved as a PNG =="
+for mode in direct newest fresh; do
+  "$bin/talvir-cli" grab --serial SIM00002 --mode "$mode" --count 200 --save "build/default/sim-colour-$mode.png"
+done

@@ -13,6 +13,8 @@ packages=(
   libpugixml-dev libminizip-dev zlib1g-dev nlohmann-json3-dev libpng-dev libinih-dev
   # serial port listing for the PC's serial library
   libserialport-dev
+  # command-line tool: argument parsing, TIFF files; packages (cpack DEB)
+  libcli11-dev libtiff-dev dpkg-dev
   # tests and benchmarks
   libgtest-dev libgmock-dev libbenchmark-dev
   # node-map oracle for the differential tests (its pkg-config file needs libusb's)

@@ -100,7 +100,9 @@ using ::testing::Not;
 TEST(TalvirCli, VerboseExplainsAProducerThatDoesNotLoad) {
   std::ostringstream out;
   std::ostringstream errors;
-  EXPECT_EQ(RunDiscover({"--producer", "TalvirSimNoQueue.cti", "--verbose"}, out, errors), 0);
+  // The named producer fails: exit 1 with the one-line reason, and the report says why in full.
+  EXPECT_EQ(RunDiscover({"--producer", "TalvirSimNoQueue.cti", "--verbose"}, out, errors), 1);
+  EXPECT_THAT(errors.str(), HasSubstr("producer TalvirSimNoQueue.cti failed"));
   EXPECT_THAT(out.str(), HasSubstr("\n0 devices\n"));
   EXPECT_THAT(out.str(), HasSubstr("request: Discovery(\"TalvirSimNoQueue.cti\")"));
   EXPECT_THAT(out.str(), HasSubstr("Producer TalvirSimNoQueue.cti"));

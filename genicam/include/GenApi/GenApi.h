@@ -8,6 +8,7 @@
 #include <GenApi/NodeCallback.h>
 #include <GenApi/NodeMapFactory.h>
 #include <GenApi/NodeMapRef.h>
+#include <GenApi/Persistence.h>
 #include <GenApi/Pointer.h>
 #include <GenApi/PortImpl.h>
 #include <GenApi/Types.h>
