@@ -144,6 +144,8 @@ TEST(CameraEvent, EventsOfTheDeviceModule) {
   CSimRig::Execute(*camera, "SimFireEvent");
   ASSERT_TRUE(collector.WaitFor(1));
   EXPECT_EQ(collector.Records()[0].eventId, 0x9001);
+  // The listener may still be inside OnEvent after the wait returned: the collector outlives the registration.
+  EXPECT_EQ(camera->SetEventCallback(EventModule::Device, kRemoteDeviceEvent, nullptr), -1);
 }
 
 // A callback that uses the camera, as applications do.

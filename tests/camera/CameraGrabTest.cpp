@@ -6,7 +6,10 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <condition_variable>
 #include <cstring>
+#include <mutex>
+#include <thread>
 #include <vector>
 
 namespace TALVIR {
@@ -252,8 +255,16 @@ TEST(CameraGrab, NewestModeWithTimeOutZeroStillTakesAWaitingImage) {
   const SStreamCounts counts =
       WaitForCounts(*camera, [](const SStreamCounts& c) { return c.queued == 7 && c.awaitingDelivery == 0; });
   ASSERT_EQ(counts.queued, 7u);
+  // The grab thread keeps the image once it has described it, a little after taking its buffer; until then a
+  // call with time-out 0 finds none and returns at once. Not one call may wait.
   SImageGuard image;
-  EXPECT_EQ(camera->GetImage(&image.image, 0), Status::Ok);
+  const Clock::time_point deadline = Clock::now() + std::chrono::seconds(2);
+  int32_t result = Status::Timeout;
+  while (result == Status::Timeout && Clock::now() < deadline) {
+    result = camera->GetImage(&image.image, 0);
+    std::this_thread::yield();
+  }
+  EXPECT_EQ(result, Status::Ok);
   ASSERT_NE(image.image, nullptr);
   ExpectPattern(*image.image);
 }
@@ -272,11 +283,28 @@ TEST(CameraGrab, FreshModeDropsAnImageThatArrivedBeforeTheCall) {
   EXPECT_EQ(camera->GetImage(&image, 100), Status::Timeout);
   EXPECT_EQ(image, nullptr);
   EXPECT_EQ(CSimRig::Counts(*camera).queued, 8u) << "the stale image's buffer went back";
-  // A frame that comes while the call waits is handed out.
-  std::thread trigger([camera] { CSimRig::Execute(*camera, "TriggerSoftware"); });
+  // A frame that comes while the call waits is handed out. The helper's trigger may still come before the call
+  // begins (that frame is stale and goes back), so it triggers again every 50 ms until the call has returned.
+  std::mutex mutex;
+  std::condition_variable returned;
+  bool done = false;
+  std::thread trigger([&] {
+    std::unique_lock<std::mutex> lock(mutex);
+    do {
+      lock.unlock();
+      CSimRig::Execute(*camera, "TriggerSoftware");
+      lock.lock();
+    } while (!returned.wait_for(lock, std::chrono::milliseconds(50), [&] { return done; }));
+  });
   SImageGuard fresh;
-  EXPECT_EQ(camera->GetImage(&fresh.image, 2000), Status::Ok);
+  const int32_t result = camera->GetImage(&fresh.image, 2000);
+  {
+    std::lock_guard<std::mutex> lock(mutex);
+    done = true;
+  }
+  returned.notify_all();
   trigger.join();
+  EXPECT_EQ(result, Status::Ok);
 }
 
 TEST(CameraGrab, NewestModeHandsOutOnlyTheNewestAndLosesNoBuffer) {
