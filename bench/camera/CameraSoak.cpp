@@ -1,8 +1,9 @@
 // Endurance run of the camera core: a free-running 64x64 simulated camera grabbed in random sessions until the
 // application has received `--frames` images (default 1000000). Each session picks at random whether to close and
-// reopen the camera first, the buffer count (1..16, at least the producer's minimum of 2, or 0 for the library's
-// choice), the grab mode, free run or software trigger, how many images the application holds at once, how many
-// images it takes, and whether it releases the images it still holds before or after StopGrabbing.
+// reopen the camera first, the buffer count (2..16, the producer's minimum being 2; 0 for the library's choice;
+// 1, which the producer must refuse, leaving nothing announced), the grab mode, free run or software trigger, how
+// many images the application holds at once, how many images it takes, and whether it releases the images it still
+// holds before or after StopGrabbing.
 //
 //   camera_soak [--frames N] [--seed S]
 //
@@ -10,7 +11,7 @@
 //   - after every StopGrabbing: nothing announced, queued or awaiting delivery;
 //   - in trigger mode, after each triggered frame has reached the application (nothing else in flight):
 //     announced == queued + awaiting delivery + images the application holds (the grab thread of the newest and
-//     fresh modes may hold one more only after a fresh-mode retry, see TriggeredSession);
+//     fresh modes may hold one more only after a retry, see TriggeredSession);
 //   - every image: 64x64 Mono8, and its first pixel is the simulator's pattern for its frame ID.
 // Prints frames, sessions, reopens, failures, time and resident memory at the start, after the tenth session
 // (warm), after the last session and at the end. Exit code 0; 1 on any accounting error; 2 on any other failure.
@@ -24,6 +25,7 @@
 #include <deque>
 #include <random>
 #include <string>
+#include <thread>
 
 using namespace TALVIR;
 using namespace TALVIR::Bench;
@@ -42,7 +44,8 @@ struct SFigures {
   uint64_t sessions = 0;
   uint64_t triggeredSessions = 0;
   uint64_t reopens = 0;
-  uint64_t freshRetries = 0;
+  uint64_t refusedStarts = 0;
+  uint64_t triggerRetries = 0;
   uint64_t failures = 0;
   uint64_t accountingErrors = 0;
   uint64_t modeSessions[3] = {};
@@ -85,7 +88,10 @@ public:
       }
       ++m_figures.reopens;
     }
-    const uint64_t buffers = Uniform(0, 19) == 0 ? 0 : Uniform(kProducerMinimum, kMaxBuffers);
+    // 0: the library's choice (the producer's minimum, at least 8); 1: below the producer's minimum, which the
+    // producer refuses at the acquisition start.
+    const uint64_t pick = Uniform(0, 19);
+    const uint64_t buffers = pick == 0 ? 0 : pick == 1 ? 1 : Uniform(kProducerMinimum, kMaxBuffers);
     const auto mode = static_cast<uint32_t>(Uniform(0, 2));
     const bool triggered = Uniform(0, 4) == 0;
     try {
@@ -99,6 +105,19 @@ public:
     }
     m_camera.SetBufferCount(buffers);
     const int32_t started = m_camera.StartGrabbing(mode, 0);
+    if (buffers != 0 && buffers < kProducerMinimum) {
+      // Refused by the producer: the buffers announced for it must all be gone again.
+      ++m_figures.refusedStarts;
+      if (started != Status::StartStreamFailed) {
+        Fail("StartGrabbing with " + std::to_string(buffers) + " buffer returned " + std::to_string(started));
+        m_camera.StopGrabbing();
+      }
+      const SStreamCounts refused = StreamCounts(m_camera);
+      if (refused.announced != 0 || refused.queued != 0 || refused.awaitingDelivery != 0) {
+        AccountingError("after a refused start", refused, 0);
+      }
+      return;
+    }
     if (started != Status::Ok) {
       Fail("StartGrabbing returned " + std::to_string(started) + " with " + std::to_string(buffers) + " buffers");
       return;
@@ -188,10 +207,11 @@ private:
   }
 
   // One software trigger at a time, each frame waited for, so that no other frame is in flight when the stream's
-  // figures are read. In fresh mode the frame may reach the grab thread before GetImage begins: it is then not
-  // fresh, goes back to the stream, and the call times out; the trigger is fired again. A first frame that took
-  // longer than the time-out could still arrive after the retry's, so after a retry the grab thread may hold one
-  // image besides the application's.
+  // figures are read. A fresh image must arrive after GetImage began: in fresh mode a helper thread fires the
+  // trigger a millisecond after the call starts. On a loaded machine the frame can still reach the grab thread
+  // first; it is then not fresh, goes back to the stream, the call times out and the trigger is fired again. A
+  // frame that took longer than the time-out could still arrive after the retry's, so after a retry the grab thread
+  // may hold one image besides the application's.
   void TriggeredSession(uint32_t mode, uint64_t frames, size_t holdAtMost, std::deque<IImage*>& held) {
     GenApi::CCommandPtr trigger(m_camera.GetRemoteXml()->GetNodeMap()->GetNode("TriggerSoftware"));
     bool retried = false;
@@ -201,27 +221,50 @@ private:
         AccountingError("trigger mode before the first trigger", counts, 0);
       }
     }
+    std::string triggerError;
+    const auto fire = [&] {
+      try {
+        trigger->Execute();
+      } catch (const GenICam::GenericException& error) {
+        triggerError = error.GetDescription();
+      }
+    };
     for (uint64_t i = 0; i < frames; ++i) {
       IImage* image = nullptr;
       int32_t result = Status::Timeout;
-      for (int attempt = 0; attempt < 5 && result == Status::Timeout; ++attempt) {
+      for (int attempt = 0; attempt < 10 && result == Status::Timeout; ++attempt) {
         if (attempt > 0) {
-          ++m_figures.freshRetries;
+          ++m_figures.triggerRetries;
           retried = true;
         }
-        try {
-          trigger->Execute();
-        } catch (const GenICam::GenericException& error) {
-          Fail(std::string("TriggerSoftware: ") + error.GetDescription());
+        if (mode == GrabMode::Fresh) {
+          std::thread firer([&] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            fire();
+          });
+          result = m_camera.GetImage(&image, 200);
+          firer.join();
+        } else {
+          fire();
+          result = m_camera.GetImage(&image, 2000);
+        }
+        if (!triggerError.empty()) {
+          if (image != nullptr) {
+            image->Release();
+          }
+          Fail("TriggerSoftware: " + triggerError);
           return;
         }
-        result = m_camera.GetImage(&image, mode == GrabMode::Fresh ? 200 : 2000);
       }
       if (result != Status::Ok || image == nullptr) {
         if (image != nullptr) {
           image->Release();
         }
-        Fail("GetImage returned " + std::to_string(result) + " after a software trigger");
+        const SStreamCounts counts = StreamCounts(m_camera);
+        Fail("GetImage returned " + std::to_string(result) + " after a software trigger (mode " + std::to_string(mode) +
+             ", frame " + std::to_string(i) + ", holding " + std::to_string(held.size()) + ", announced " +
+             std::to_string(counts.announced) + ", queued " + std::to_string(counts.queued) + ", awaiting " +
+             std::to_string(counts.awaitingDelivery) + ")");
         return;
       }
       Keep(image, holdAtMost, held);
@@ -302,8 +345,9 @@ int main(int argc, char** argv) {
               static_cast<unsigned long long>(figures.modeSessions[GrabMode::Newest]),
               static_cast<unsigned long long>(figures.modeSessions[GrabMode::Fresh]),
               static_cast<unsigned long long>(figures.triggeredSessions));
-  std::printf("reopens %llu, fresh-mode trigger retries %llu\n", static_cast<unsigned long long>(figures.reopens),
-              static_cast<unsigned long long>(figures.freshRetries));
+  std::printf("reopens %llu, starts refused for too few buffers %llu, trigger retries %llu\n",
+              static_cast<unsigned long long>(figures.reopens), static_cast<unsigned long long>(figures.refusedStarts),
+              static_cast<unsigned long long>(figures.triggerRetries));
   std::printf("failures %llu, accounting errors %llu\n", static_cast<unsigned long long>(figures.failures),
               static_cast<unsigned long long>(figures.accountingErrors));
   std::printf("resident memory: start %llu kB, after session %llu %llu kB, after the last session %llu kB, peak %llu "
