@@ -101,6 +101,11 @@ public:
   uint32_t StoredPixelFormat() const { return m_pixelFormat.load(); }
   uint64_t PayloadSize() const { return m_payloadSize.load(); }
 
+  // Producer-specific buffer information (custom info 1..3, one bit each) that the producer answered as unknown
+  // during the current acquisition; images of the acquisition do not ask for it again. Cleared at every start.
+  uint32_t UnknownCustomInfo() const { return m_unknownCustomInfo.load(std::memory_order_relaxed); }
+  void MarkCustomInfoUnknown(uint32_t bits) { m_unknownCustomInfo.fetch_or(bits, std::memory_order_relaxed); }
+
   // Image checks of WaitImage: 0 none, 1 reject an image whose size differs from the payload size, 2 zero-fill a
   // short image up to the payload size.
   void SetSizeCheckMode(uint32_t mode) { m_sizeCheckMode.store(mode); }
@@ -171,6 +176,7 @@ private:
   std::atomic<uint32_t> m_pixelFormat{0x01080001};
   std::atomic<uint32_t> m_partialImageMode{0};
   std::atomic<uint32_t> m_sizeCheckMode{0};
+  std::atomic<uint32_t> m_unknownCustomInfo{0};
   std::atomic<bool> m_online{false};
   std::atomic<bool> m_connected{false};
   std::atomic<int64_t> m_lastCheckMs{0};

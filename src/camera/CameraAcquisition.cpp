@@ -245,6 +245,7 @@ int32_t CCamera::StartAcquisition(uint64_t count) {
     return Status::NoPayloadSize;
   }
   ReadGeometry();
+  m_unknownCustomInfo = 0;
 
   const CGenTLFunctionTable& api = producer->Api();
   const uint64_t announceCount = GetAnnounceCount();

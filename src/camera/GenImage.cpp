@@ -45,14 +45,40 @@ void CGenImage::Release() {
   delete this;
 }
 
-bool CGenImage::QueryInfo(CCti* producer, void* stream, int32_t command, void* value, size_t size) const {
+bool CGenImage::QueryInfo(CCti* producer, void* stream, int32_t command, void* value, size_t size,
+                          int32_t* error) const {
   const auto query = producer->Api().DSGetBufferInfo;
   if (query == nullptr) {
     return false;
   }
   GenTL::INFO_DATATYPE type = GenTL::INFO_DATATYPE_UNKNOWN;
   size_t returned = size;
-  return query(stream, m_hBuffer, command, &type, value, &returned) == GenTL::GC_ERR_SUCCESS && returned <= size;
+  const GenTL::GC_ERROR result = query(stream, m_hBuffer, command, &type, value, &returned);
+  if (error != nullptr) {
+    *error = result;
+  }
+  return result == GenTL::GC_ERR_SUCCESS && returned <= size;
+}
+
+void CGenImage::ReadCustomInfo(CCti* producer, void* stream) {
+  // Optional figures: a producer without them leaves 0. A producer that does not know such a command says so for
+  // every buffer, and saying so can cost it far more than an answer (an error record with its text): the camera
+  // remembers the refusal until the acquisition ends and the later images of the acquisition do not ask again.
+  const int32_t commands[3] = {kCustomInfo1, kCustomInfo2, kCustomInfo3};
+  uint64_t* const values[3] = {&m_custom1, &m_custom2, &m_custom3};
+  for (uint32_t i = 0; i < 3; ++i) {
+    const uint32_t bit = 1u << i;
+    if (m_pCamera != nullptr && (m_pCamera->UnknownCustomInfo() & bit) != 0) {
+      continue;
+    }
+    uint64_t value = 0;
+    int32_t error = GenTL::GC_ERR_SUCCESS;
+    const bool ok = QueryInfo(producer, stream, commands[i], &value, sizeof value, &error);
+    *values[i] = ok ? value : 0;
+    if (!ok && m_pCamera != nullptr && (error == GenTL::GC_ERR_INVALID_ID || error == GenTL::GC_ERR_NOT_IMPLEMENTED)) {
+      m_pCamera->MarkCustomInfoUnknown(bit);
+    }
+  }
 }
 
 int32_t CGenImage::Fill(CCti* producer, void* stream, void* buffer, bool fillFlag) {
@@ -96,10 +122,7 @@ int32_t CGenImage::Fill(CCti* producer, void* stream, void* buffer, bool fillFla
       !number(GenTL::BUFFER_INFO_PAYLOADTYPE, m_payloadType)) {
     return FillResult::QueryFailed;
   }
-  // Optional figures: a producer without them leaves 0.
-  number(kCustomInfo1, m_custom1);
-  number(kCustomInfo2, m_custom2);
-  number(kCustomInfo3, m_custom3);
+  ReadCustomInfo(producer, stream);
   flag(GenTL::BUFFER_INFO_CONTAINS_CHUNKDATA, m_hasChunks);
 
   if (m_payloadType == kLegacyChunkPayloadType && m_width == kNoGeometryWidth) {

@@ -87,7 +87,10 @@ public:
 private:
   ~CGenImage() override;
 
-  bool QueryInfo(CCti* producer, void* stream, int32_t command, void* value, size_t size) const;
+  // True when the producer answered with at most `size` bytes; `error` (when given) receives the producer's code.
+  bool QueryInfo(CCti* producer, void* stream, int32_t command, void* value, size_t size,
+                 int32_t* error = nullptr) const;
+  void ReadCustomInfo(CCti* producer, void* stream);
   void ReadChunks(CCti* producer, void* stream);
   void ReadCxpHeight();
 

@@ -6,7 +6,10 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <condition_variable>
 #include <cstring>
+#include <mutex>
+#include <thread>
 #include <vector>
 
 namespace TALVIR {
@@ -277,11 +280,28 @@ TEST(CameraGrab, FreshModeDropsAnImageThatArrivedBeforeTheCall) {
   EXPECT_EQ(camera->GetImage(&stale.image, 100), Status::Timeout);
   EXPECT_EQ(stale.image, nullptr);
   EXPECT_EQ(CSimRig::Counts(*camera).queued, 8u) << "the stale image's buffer went back";
-  // A frame that comes while the call waits is handed out.
-  std::thread trigger([camera] { CSimRig::Execute(*camera, "TriggerSoftware"); });
+  // A frame that comes while the call waits is handed out. The helper's trigger may still come before the call
+  // begins (that frame is stale and goes back), so it triggers again every 50 ms until the call has returned.
+  std::mutex mutex;
+  std::condition_variable returned;
+  bool done = false;
+  std::thread trigger([&] {
+    std::unique_lock<std::mutex> lock(mutex);
+    do {
+      lock.unlock();
+      CSimRig::Execute(*camera, "TriggerSoftware");
+      lock.lock();
+    } while (!returned.wait_for(lock, std::chrono::milliseconds(50), [&] { return done; }));
+  });
   SImageGuard fresh;
-  EXPECT_EQ(camera->GetImage(&fresh.image, 2000), Status::Ok);
+  const int32_t result = camera->GetImage(&fresh.image, 2000);
+  {
+    std::lock_guard<std::mutex> lock(mutex);
+    done = true;
+  }
+  returned.notify_all();
   trigger.join();
+  EXPECT_EQ(result, Status::Ok);
 }
 
 TEST(CameraGrab, NewestModeHandsOutOnlyTheNewestAndLosesNoBuffer) {

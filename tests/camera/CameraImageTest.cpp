@@ -235,5 +235,50 @@ TEST(CameraImage, LinePitchFollowsThePixelLayout) {
   }
 }
 
+TEST(CameraImage, EveryImageOfAnAcquisitionCarriesTheProducersOwnFigures) {
+  // The GigE flavour answers buffer information 1001..1003 with packet counts: complete, resent, missing.
+  CSimRig rig("TalvirSimGEVTL.cti");
+  CCamera* camera = rig.Camera(0);
+  ASSERT_EQ(camera->Open(AccessMode::Control), Status::Ok);
+  GenApi::CIntegerPtr packetSize(CSimRig::Features(*camera).GetNode("GevSCPSPacketSize"));
+  ASSERT_TRUE(packetSize.IsValid());
+  const auto perPacket = static_cast<uint64_t>(packetSize->GetValue()) - 36;
+  for (int acquisition = 0; acquisition < 2; ++acquisition) {
+    ASSERT_EQ(camera->StartGrabbing(GrabMode::Direct, 0), Status::Ok);
+    const uint64_t packets = (camera->PayloadSize() + perPacket - 1) / perPacket;
+    for (int i = 0; i < 3; ++i) {
+      SImageGuard image;
+      ASSERT_EQ(camera->GetImage(&image.image, 2000), Status::Ok);
+      EXPECT_EQ(image.image->GetCustomInfo1(), packets) << "image " << i;
+      EXPECT_EQ(image.image->GetCustomInfo2(), 0u);
+      EXPECT_EQ(image.image->GetCustomInfo3(), 0u);
+    }
+    camera->StopGrabbing();
+  }
+}
+
+TEST(CameraImage, AProducerWithoutItsOwnFiguresGivesZeroAndCompleteImages) {
+  // The default flavour refuses buffer information 1001..1003 as unknown commands; images stay fully described.
+  CSimRig rig;
+  CCamera* camera = rig.Camera(0);
+  ASSERT_EQ(camera->Open(AccessMode::Control), Status::Ok);
+  for (uint32_t mode : {GrabMode::Direct, GrabMode::Newest}) {
+    ASSERT_EQ(camera->StartGrabbing(mode, 0), Status::Ok);
+    uint64_t lastFrame = 0;
+    for (int i = 0; i < 3; ++i) {
+      SImageGuard image;
+      ASSERT_EQ(camera->GetImage(&image.image, 2000), Status::Ok);
+      EXPECT_EQ(image.image->GetCustomInfo1(), 0u);
+      EXPECT_EQ(image.image->GetCustomInfo2(), 0u);
+      EXPECT_EQ(image.image->GetCustomInfo3(), 0u);
+      EXPECT_EQ(image.image->GetWidth(), 640u);
+      EXPECT_GT(image.image->GetFrameId(), lastFrame);
+      EXPECT_NE(image.image->GetTimestamp(), 0u);
+      lastFrame = image.image->GetFrameId();
+    }
+    camera->StopGrabbing();
+  }
+}
+
 } // namespace
 } // namespace TALVIR
