@@ -213,5 +213,39 @@ TEST_F(TalvirCliCamera, SettingsSaveAndLoadBack) {
   EXPECT_NE(bad.out.find("loaded 1 settings"), std::string::npos) << "the good line was still set: " << bad.out;
 }
 
-} // namespace
-} // namespace TalvirCli
+}  // namespace
+}  // namespace TalvirCli
+
+namespace TalvirCli {
+namespace {
+
+TEST(TalvirCliGigE, GrabPrintsTheGigETransferFigures) {
+  const SResult result = RunLine({"grab", "--serial", "GEV00001", "--count", "5"});
+  ASSERT_EQ(result.status, 0) << result.errors;
+  EXPECT_NE(result.out.find("GigE transfer: "), std::string::npos) << result.out;
+  EXPECT_NE(result.out.find(", 5 frames,"), std::string::npos) << result.out;
+  // Other transports have no such figures.
+  const SResult other = RunLine({"grab", "--serial", "U3V00001", "--count", "2"});
+  ASSERT_EQ(other.status, 0) << other.errors;
+  EXPECT_EQ(other.out.find("GigE transfer"), std::string::npos);
+}
+
+TEST(TalvirCliGigE, WatchReportsADeviceThatGoesAway) {
+  const SResult result =
+      RunLine({"watch", "--serial", "GEV00002", "--seconds", "1.5", "--set", "SimLoseAfterFrames=10"});
+  ASSERT_EQ(result.status, 0) << result.errors;
+  EXPECT_NE(result.out.find("watching GEV00002"), std::string::npos) << result.out;
+  EXPECT_NE(result.out.find("GEV00002 went away (device lost, notification 1001) after 10 frames"), std::string::npos)
+      << result.out;
+  EXPECT_NE(result.out.find("1 loss, device still away"), std::string::npos) << result.out;
+}
+
+TEST(TalvirCliGigE, WatchWithoutALossReportsNone) {
+  const SResult result = RunLine({"watch", "--serial", "U3V00001", "--seconds", "0.3"});
+  ASSERT_EQ(result.status, 0) << result.errors;
+  EXPECT_NE(result.out.find(" 0 losses"), std::string::npos) << result.out;
+  EXPECT_EQ(RunLine({"watch", "--serial", "NOPE"}).status, 1);
+}
+
+}  // namespace
+}  // namespace TalvirCli

@@ -184,5 +184,5 @@ TEST(TalvirCli, NamesEveryRule) {
   }
 }
 
-} // namespace
-} // namespace TalvirCli
+}  // namespace
+}  // namespace TalvirCli

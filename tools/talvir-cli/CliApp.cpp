@@ -7,6 +7,7 @@
 #include "GrabCommand.h"
 #include "SetCommand.h"
 #include "SettingsCommand.h"
+#include "WatchCommand.h"
 
 #include <CLI/CLI.hpp>
 #include <GCBase/GCException.h>
@@ -30,6 +31,7 @@ int RunCli(const std::vector<std::string>& arguments, std::ostream& out, std::os
   commands.push_back(std::make_unique<CGrabCommand>());
   commands.push_back(std::make_unique<CBenchCommand>());
   commands.push_back(std::make_unique<CSettingsCommand>());
+  commands.push_back(std::make_unique<CWatchCommand>());
   std::vector<CLI::App*> subcommands;
   for (const auto& command : commands) {
     subcommands.push_back(command->Register(app));

@@ -31,11 +31,11 @@ std::optional<uint64_t> ParseMask(const std::string& text) {
   return static_cast<uint64_t>(value);
 }
 
-} // namespace
+}  // namespace
 
 CLI::App* CDiscoverCommand::Register(CLI::App& app) {
-  CLI::App* command =
-      app.add_subcommand("discover", "List the devices of the producers (.cti files) beside the library");
+  CLI::App* command = app.add_subcommand("discover",
+                                         "List the devices of the producers (.cti files) beside the library");
   CLI::Option* type =
       command
           ->add_option("--type,-t", m_type,
@@ -56,8 +56,8 @@ int CDiscoverCommand::Run(const SCommandContext& context) {
   CDiagnosticLines failedCalls(m_verbose);
   TALVIR::Init();
   const std::optional<uint64_t> mask = m_type.empty() ? std::nullopt : ParseMask(m_type);
-  std::list<TALVIR::ICameraInfo*> records =
-      mask ? TALVIR::DiscoveryByTLType(*mask) : TALVIR::Discovery(m_producer.empty() ? nullptr : m_producer.c_str());
+  std::list<TALVIR::ICameraInfo*> records = mask ? TALVIR::DiscoveryByTLType(*mask)
+                                                 : TALVIR::Discovery(m_producer.empty() ? nullptr : m_producer.c_str());
   std::string problem;
   if (records.empty()) {
     // Finding nothing is an answer, unless there is nothing to ask or the producer asked for is broken.
@@ -97,4 +97,4 @@ int RunDiscover(const std::vector<std::string>& arguments, std::ostream& out, st
   return RunCli(line, out, errors);
 }
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

@@ -22,4 +22,4 @@ private:
 // Runs "discover" with these arguments (those after the command's name); returns the exit status.
 int RunDiscover(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& errors);
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

@@ -51,7 +51,7 @@ int CGrabCommand::Run(const SCommandContext& context) {
     settings.push_back(SplitAssignment(setting, false));
   }
   if (!m_save.empty()) {
-    (void)CImageWriter::FormatOf(m_save); // a wrong file name is a usage error, found before the camera opens
+    (void)CImageWriter::FormatOf(m_save);  // a wrong file name is a usage error, found before the camera opens
   }
   CCameraSession session;
   TALVIR::ICamera& camera = session.Open(m_camera);
@@ -94,10 +94,23 @@ int CGrabCommand::Run(const SCommandContext& context) {
                 statistics.FramesPerSecond(), static_cast<unsigned long long>(statistics.timeouts),
                 static_cast<unsigned long long>(statistics.incomplete));
   context.out << summary;
+  if (camera.GetCameraInfo()->GetTLType() == TALVIR::TLType::GEV) {
+    // The GigE camera's own transfer figures since the start: bytes, frames, packet counters of the producer.
+    const TALVIR::STransportInfo transfer = camera.GetTransportInfo();
+    std::snprintf(summary, sizeof summary,
+                  "GigE transfer: %llu bytes, %llu frames, %u incomplete (packet time-out), packets %llu / %llu / "
+                  "%llu\n",
+                  static_cast<unsigned long long>(transfer.bytesTotal),
+                  static_cast<unsigned long long>(transfer.frames), transfer.timeouts,
+                  static_cast<unsigned long long>(transfer.packetCounter1),
+                  static_cast<unsigned long long>(transfer.packetCounter2),
+                  static_cast<unsigned long long>(transfer.packetCounter3));
+    context.out << summary;
+  }
   if (!saved.empty()) {
     context.out << "saved " << saved << '\n';
   }
   return 0;
 }
 
-} // namespace TalvirCli
+}  // namespace TalvirCli
