@@ -26,7 +26,7 @@ constexpr int32_t kCustomInfo3 = 1003;
 constexpr uint64_t kLegacyChunkPayloadType = 4;
 constexpr uint64_t kNoGeometryWidth = 0xFFFFFFFFu;
 
-} // namespace
+}  // namespace
 
 CGenImage::CGenImage(CCamera* camera, std::shared_ptr<CCameraLink> link, std::shared_ptr<CBufferMemory> memory,
                      uint64_t acquisition)
@@ -41,9 +41,7 @@ CGenImage::~CGenImage() {
   }
 }
 
-void CGenImage::Release() {
-  delete this;
-}
+void CGenImage::Release() { delete this; }
 
 bool CGenImage::QueryInfo(CCti* producer, void* stream, int32_t command, void* value, size_t size,
                           int32_t* error) const {
@@ -81,49 +79,87 @@ void CGenImage::ReadCustomInfo(CCti* producer, void* stream) {
   }
 }
 
+void CGenImage::QueryAll(CCti* producer, void* stream, SInfoQuery* queries, size_t count) const {
+  const GenTL::PFN_DSGetBufferInfoStacked stacked = producer->BufferInfoStacked();
+  if (stacked != nullptr && count <= kMaxStackedQueries) {
+    GenTL::DS_BUFFER_INFO_STACKED entries[kMaxStackedQueries] = {};
+    for (size_t i = 0; i < count; ++i) {
+      entries[i].iInfoCmd = queries[i].command;
+      entries[i].pBuffer = queries[i].value;
+      entries[i].iSize = queries[i].size;
+      entries[i].iResult = GenTL::GC_ERR_NOT_IMPLEMENTED;
+    }
+    const GenTL::GC_ERROR result = stacked(stream, m_hBuffer, entries, count);
+    // A producer that exports the function without implementing it answers every entry as before the call.
+    if (result != GenTL::GC_ERR_NOT_IMPLEMENTED) {
+      for (size_t i = 0; i < count; ++i) {
+        queries[i].ok = entries[i].iResult == GenTL::GC_ERR_SUCCESS && entries[i].iSize <= queries[i].size;
+      }
+      return;
+    }
+  }
+  for (size_t i = 0; i < count; ++i) {
+    queries[i].ok = QueryInfo(producer, stream, queries[i].command, queries[i].value, queries[i].size);
+  }
+}
+
 int32_t CGenImage::Fill(CCti* producer, void* stream, void* buffer, bool fillFlag) {
   m_fillFlag = fillFlag;
   m_hBuffer = buffer;
   if (producer == nullptr || stream == nullptr || buffer == nullptr) {
     return FillResult::Invalid;
   }
-  // Flags are one byte, every other figure at most eight; each starts at zero so that a producer answering with
-  // fewer bytes leaves a defined value.
-  const auto flag = [&](int32_t command, bool& out) {
-    uint8_t value = 0;
-    const bool ok = QueryInfo(producer, stream, command, &value, sizeof value);
-    out = value != 0;
-    return ok;
-  };
-  const auto number = [&](int32_t command, uint64_t& out) {
-    uint64_t value = 0;
-    const bool ok = QueryInfo(producer, stream, command, &value, sizeof value);
-    out = value;
-    return ok;
-  };
-  if (!flag(GenTL::BUFFER_INFO_IS_INCOMPLETE, m_incomplete) || !number(GenTL::BUFFER_INFO_WIDTH, m_width) ||
-      !number(GenTL::BUFFER_INFO_HEIGHT, m_height)) {
-    return FillResult::QueryFailed;
-  }
+  // Every standard figure in one pass (one call where the producer offers stacked queries). Flags are one byte,
+  // every other figure at most eight; each starts at zero so that a producer answering with fewer bytes leaves a
+  // defined value.
+  uint8_t incomplete = 0;
+  uint8_t imagePresent = 0;
+  uint8_t hasChunks = 0;
   void* base = nullptr;
-  if (!QueryInfo(producer, stream, GenTL::BUFFER_INFO_BASE, &base, sizeof base)) {
+  SInfoQuery queries[] = {
+      {GenTL::BUFFER_INFO_IS_INCOMPLETE, &incomplete, sizeof incomplete},
+      {GenTL::BUFFER_INFO_WIDTH, &m_width, sizeof m_width},
+      {GenTL::BUFFER_INFO_HEIGHT, &m_height, sizeof m_height},
+      {GenTL::BUFFER_INFO_BASE, &base, sizeof base},
+      {GenTL::BUFFER_INFO_SIZE, &m_size, sizeof m_size},
+      {GenTL::BUFFER_INFO_SIZE_FILLED, &m_sizeFilled, sizeof m_sizeFilled},
+      {GenTL::BUFFER_INFO_FRAMEID, &m_frameId, sizeof m_frameId},
+      {GenTL::BUFFER_INFO_PIXELFORMAT, &m_pixelFormat, sizeof m_pixelFormat},
+      {GenTL::BUFFER_INFO_XOFFSET, &m_offsetX, sizeof m_offsetX},
+      {GenTL::BUFFER_INFO_YOFFSET, &m_offsetY, sizeof m_offsetY},
+      {GenTL::BUFFER_INFO_XPADDING, &m_paddingX, sizeof m_paddingX},
+      {GenTL::BUFFER_INFO_YPADDING, &m_paddingY, sizeof m_paddingY},
+      {GenTL::BUFFER_INFO_TIMESTAMP, &m_timestamp, sizeof m_timestamp},
+      {GenTL::BUFFER_INFO_IMAGEPRESENT, &imagePresent, sizeof imagePresent},
+      {GenTL::BUFFER_INFO_IMAGEOFFSET, &m_imageOffset, sizeof m_imageOffset},
+      {GenTL::BUFFER_INFO_PAYLOADTYPE, &m_payloadType, sizeof m_payloadType},
+      {GenTL::BUFFER_INFO_CONTAINS_CHUNKDATA, &hasChunks, sizeof hasChunks},
+  };
+  constexpr size_t kGeometryQueries = 3;  // incomplete, width, height
+  constexpr size_t kBaseQuery = 3;
+  constexpr size_t kRequiredQueries = 16;  // all but contains-chunk-data
+  QueryAll(producer, stream, queries, sizeof queries / sizeof queries[0]);
+  m_incomplete = incomplete != 0;
+  m_imagePresent = imagePresent != 0;
+  m_hasChunks = queries[kRequiredQueries].ok && hasChunks != 0;
+  for (size_t i = 0; i < kGeometryQueries; ++i) {
+    if (!queries[i].ok) {
+      return FillResult::QueryFailed;
+    }
+  }
+  if (!queries[kBaseQuery].ok) {
     return FillResult::QueryFailed;
   }
   if (base == nullptr) {
     return FillResult::NoBase;
   }
   m_pBase = base;
-  if (!number(GenTL::BUFFER_INFO_SIZE, m_size) || !number(GenTL::BUFFER_INFO_SIZE_FILLED, m_sizeFilled) ||
-      !number(GenTL::BUFFER_INFO_FRAMEID, m_frameId) || !number(GenTL::BUFFER_INFO_PIXELFORMAT, m_pixelFormat) ||
-      !number(GenTL::BUFFER_INFO_XOFFSET, m_offsetX) || !number(GenTL::BUFFER_INFO_YOFFSET, m_offsetY) ||
-      !number(GenTL::BUFFER_INFO_XPADDING, m_paddingX) || !number(GenTL::BUFFER_INFO_YPADDING, m_paddingY) ||
-      !number(GenTL::BUFFER_INFO_TIMESTAMP, m_timestamp) || !flag(GenTL::BUFFER_INFO_IMAGEPRESENT, m_imagePresent) ||
-      !number(GenTL::BUFFER_INFO_IMAGEOFFSET, m_imageOffset) ||
-      !number(GenTL::BUFFER_INFO_PAYLOADTYPE, m_payloadType)) {
-    return FillResult::QueryFailed;
+  for (size_t i = kBaseQuery + 1; i < kRequiredQueries; ++i) {
+    if (!queries[i].ok) {
+      return FillResult::QueryFailed;
+    }
   }
   ReadCustomInfo(producer, stream);
-  flag(GenTL::BUFFER_INFO_CONTAINS_CHUNKDATA, m_hasChunks);
 
   if (m_payloadType == kLegacyChunkPayloadType && m_width == kNoGeometryWidth) {
     // The producer knows no geometry: the camera's own width applies, and the height it reported is a byte count.
@@ -231,9 +267,7 @@ void CGenImage::ZeroFillTo(uint64_t size) {
   m_sizeFilled = std::max(m_sizeFilled, end);
 }
 
-uint64_t CGenImage::GetLinePitch() const {
-  return GetPixelFactor() * GetPixelBits() * GetWidth() / 8;
-}
+uint64_t CGenImage::GetLinePitch() const { return GetPixelFactor() * GetPixelBits() * GetWidth() / 8; }
 
 const uint8_t* CGenImage::GetConvertedImage() {
   if (m_pConverted != nullptr || m_incomplete || m_pBase == nullptr || m_link == nullptr) {
@@ -253,4 +287,4 @@ const uint8_t* CGenImage::GetConvertedImage() {
   return m_pConverted;
 }
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -27,7 +27,7 @@ constexpr int32_t NoBase = -4;
 constexpr int32_t UnknownPixelFormat = -5;
 constexpr int32_t BufferTooSmall = -6;
 constexpr int32_t NoGeometry = -7;
-} // namespace FillResult
+}  // namespace FillResult
 
 class CGenImage final : public IImage {
 public:
@@ -87,6 +87,17 @@ public:
 private:
   ~CGenImage() override;
 
+  // One buffer information query: what to ask, where the answer goes, and whether it came.
+  struct SInfoQuery {
+    int32_t command;
+    void* value;
+    size_t size;
+    bool ok = false;
+  };
+  static constexpr size_t kMaxStackedQueries = 32;
+
+  // Answers every query: in one call where the producer offers stacked queries, else one call each.
+  void QueryAll(CCti* producer, void* stream, SInfoQuery* queries, size_t count) const;
   // True when the producer answered with at most `size` bytes; `error` (when given) receives the producer's code.
   bool QueryInfo(CCti* producer, void* stream, int32_t command, void* value, size_t size,
                  int32_t* error = nullptr) const;
@@ -128,4 +139,4 @@ private:
   std::chrono::steady_clock::time_point m_deliveredAt;
 };
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -20,9 +20,7 @@ constexpr uint64_t kUpdateListTimeoutMs = 1000;
 // Size of the buffer for text answers of information queries.
 constexpr size_t kInfoTextSize = 256;
 
-std::string TextOf(const char* buffer, size_t capacity) {
-  return std::string(buffer, strnlen(buffer, capacity));
-}
+std::string TextOf(const char* buffer, size_t capacity) { return std::string(buffer, strnlen(buffer, capacity)); }
 
 std::string DecimalText(uint64_t value) {
   char text[64];
@@ -85,7 +83,7 @@ std::string CallFailure(const char* function, int32_t code) {
   return std::string(function) + " returned " + std::to_string(code) + " (" + GenTLErrorCodeName(code) + ")";
 }
 
-} // namespace
+}  // namespace
 
 CCti::CCti(std::string fileName, CCtiEnvironment environment)
     : m_fileName(std::move(fileName)), m_environment(std::move(environment)) {
@@ -136,6 +134,9 @@ bool CCti::Load() {
     m_loadReport.missingFunction = missingFunction;
     return false;
   }
+  // Optional (GenTL 1.6): many buffer information queries in one call.
+  m_bufferInfoStacked =
+      reinterpret_cast<GenTL::PFN_DSGetBufferInfoStacked>(Platform::FindSymbol(m_module, "DSGetBufferInfoStacked"));
   const int32_t status = OpenProducer();
   m_loadReport.openStatus = status;
   m_loadReport.openStatusText = OpenProducerStatusText(status);
@@ -332,8 +333,8 @@ bool CCti::QueryDeviceBuffer(IGenTLModule& interfaceModule, const std::string& d
                              size_t size, GenTL::INFO_DATATYPE* type, size_t* answeredSize) {
   GenTL::INFO_DATATYPE answerType = GenTL::INFO_DATATYPE_UNKNOWN;
   size_t bufferSize = size;
-  const GenTL::GC_ERROR code =
-      m_api.IFGetDeviceInfo(interfaceModule.Handle(), deviceID.c_str(), command, &answerType, buffer, &bufferSize);
+  const GenTL::GC_ERROR code = m_api.IFGetDeviceInfo(interfaceModule.Handle(), deviceID.c_str(), command, &answerType,
+                                                     buffer, &bufferSize);
   if (code != GenTL::GC_ERR_SUCCESS) {
     NoteForEnumeration(Note(DiscoveryRule::InfoQueryFailed, InterfaceIDOf(interfaceModule), deviceID, code,
                             CallFailure("IFGetDeviceInfo", code) + " for command " + std::to_string(command) +
@@ -497,4 +498,4 @@ ICameraInfo* CCti::FindBySerial(const std::string& serial) {
   return nullptr;
 }
 
-} // namespace TALVIR
+}  // namespace TALVIR

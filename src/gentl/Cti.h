@@ -51,7 +51,7 @@ constexpr int32_t GetNumInterfacesFailed = -4;
 constexpr int32_t NoInterface = -5;
 constexpr int32_t GetInterfaceIDFailed = -6;
 constexpr int32_t OpenInterfaceFailed = -7;
-} // namespace OpenProducerStatus
+}  // namespace OpenProducerStatus
 
 // Size of the buffers for interface and device IDs; an ID needs its terminating zero inside.
 constexpr size_t kGenTLIDBufferSize = 1024;
@@ -95,6 +95,9 @@ public:
 
   const std::string& FileName() const { return m_fileName; }
   const CGenTLFunctionTable& Api() const { return m_api; }
+  // DSGetBufferInfoStacked when the producer exports it (GenTL 1.6), else null. Calls through it are not reported to
+  // the diagnostic callback: each query's own result says whether it failed.
+  GenTL::PFN_DSGetBufferInfoStacked BufferInfoStacked() const { return m_bufferInfoStacked; }
   bool IsLoaded() const { return m_module != nullptr; }
   void* SystemHandle() const { return m_systemHandle; }
   IGenTLModule* SystemModule() const { return m_systemPort.get(); }
@@ -134,9 +137,10 @@ private:
   std::mutex m_cacheMutex;
   CGenTLCallContext m_callContext;
   CGenTLFunctionTable m_api;
+  GenTL::PFN_DSGetBufferInfoStacked m_bufferInfoStacked = nullptr;
   ProducerReport m_loadReport;
   mutable std::mutex m_reportMutex;
   CEnumerationReport m_lastEnumeration;
 };
 
-} // namespace TALVIR
+}  // namespace TALVIR
