@@ -36,6 +36,19 @@ install(TARGETS Talvir genicam gentl_headers EXPORT TalvirTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Runtime
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Development
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Runtime)
+# The Camera Link serial link: the CLProtocol layer the library uses, our GenCP-over-serial driver in the driver folder
+# the library looks in beside itself, and the serial library for the PC's own ports.
+if(TARGET CLProtocol)
+  set_target_properties(CLProtocol PROPERTIES INSTALL_RPATH "$ORIGIN")
+  install(TARGETS CLProtocol LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Runtime)
+endif()
+if(TARGET TavCLProtocolGenCP)
+  install(TARGETS TavCLProtocolGenCP LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/CLProtocol/Linux64_x64
+          COMPONENT Runtime)
+endif()
+if(TARGET clsertav)
+  install(TARGETS clsertav LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Runtime)
+endif()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/talvir DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT Development)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/genicam/include/GCBase ${PROJECT_SOURCE_DIR}/genicam/include/GenApi
                   ${PROJECT_SOURCE_DIR}/genicam/include/GenTL
@@ -60,6 +73,10 @@ endforeach()
 # The simulated producers: the module under each flavour's name (not the fault variants, which only tests want).
 if(TARGET TalvirSim)
   install(TARGETS TalvirSim LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Producers EXCLUDE_FROM_ALL)
+  if(TARGET talvir_sim_helper)
+    install(TARGETS talvir_sim_helper LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Producers
+            EXCLUDE_FROM_ALL)
+  endif()
   get_directory_property(sim_flavours DIRECTORY ${PROJECT_SOURCE_DIR}/producers/sim DEFINITION TALVIR_SIM_FLAVOURS)
   foreach(flavour ${sim_flavours})
     install(FILES ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/${flavour} DESTINATION ${CMAKE_INSTALL_LIBDIR}

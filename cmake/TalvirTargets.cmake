@@ -3,6 +3,7 @@
 #   talvir_add_test(NAME n SOURCES a.cpp ... [LIBS l ...] [LABELS unit|integration ...] [DEPENDS t ...])
 #     a GoogleTest program, its tests registered one by one with ctest under the given labels.
 #     DEPENDS names targets the tests load at run time (producers, test doubles) so they are built first.
+#     A program named in TALVIR_THREADED_TESTS also gets the label "threads" and joins the target threaded_tests.
 #   talvir_add_bench(NAME n SOURCES a.cpp ... [LIBS l ...])
 #     a Google Benchmark program; built by default, never run by ctest.
 function(talvir_add_test)
@@ -11,6 +12,11 @@ function(talvir_add_test)
     set(T_LABELS unit)
   endif()
   add_executable(${T_NAME} ${T_SOURCES})
+  # Programs that exercise threads also carry the label "threads": the ThreadSanitizer run builds and runs only them.
+  if(T_NAME IN_LIST TALVIR_THREADED_TESTS)
+    list(APPEND T_LABELS threads)
+    add_dependencies(threaded_tests ${T_NAME})
+  endif()
   target_link_libraries(${T_NAME} PRIVATE ${T_LIBS} GTest::gmock GTest::gtest_main Threads::Threads)
   target_compile_definitions(${T_NAME} PRIVATE TALVIR_SHARED_DIR="${TALVIR_SHARED_DIR}"
                                                TALVIR_BIN_DIR="${CMAKE_RUNTIME_OUTPUT_DIRECTORY}"

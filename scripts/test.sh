@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Every test (unit and integration) in the AddressSanitizer + UndefinedBehaviorSanitizer build.
+# Every test (unit and integration) in the AddressSanitizer + UndefinedBehaviorSanitizer build, then the programs that
+# run threads again under ThreadSanitizer, then the source formatting check.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -7,3 +8,9 @@ scripts/setup.sh
 cmake --preset asan
 cmake --build --preset asan
 ctest --preset asan --parallel 2 --timeout 600
+
+cmake --preset tsan
+cmake --build --preset tsan --target threaded_tests
+ctest --preset tsan --parallel 2 --timeout 600 -L threads
+
+scripts/check-format.sh
