@@ -71,9 +71,11 @@ private:
   CLProtocol::CCLPort m_port;
 };
 
+// Closed by main before exit: the serial libraries' own static state goes at exit, before a static of ours would.
+std::map<uint32_t, std::unique_ptr<CLink>> g_links;
+
 CLink& LinkAt(uint32_t baud) {
-  static std::map<uint32_t, std::unique_ptr<CLink>> links;
-  auto& link = links[baud];
+  auto& link = g_links[baud];
   if (!link) {
     link = std::make_unique<CLink>(baud);
   }
@@ -156,6 +158,7 @@ int main(int argc, char** argv) {
     return 1;
   }
   benchmark::RunSpecifiedBenchmarks();
+  g_links.clear();
   benchmark::Shutdown();
   return 0;
 }
