@@ -131,7 +131,7 @@ int32_t CCamera::OpenDevice(uint32_t accessMode) {
   }
   CCti* const producer = Producer();
   void* remote = nullptr;
-  if (producer->Api().DevGetPort == nullptr ||
+  if (producer == nullptr || producer->Api().DevGetPort == nullptr ||
       producer->Api().DevGetPort(m_pDevicePort->Handle(), &remote) != GenTL::GC_ERR_SUCCESS) {
     return Status::NoRemotePort;
   }
