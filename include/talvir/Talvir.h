@@ -8,6 +8,7 @@
 // Producers (.cti files) are looked for beside the library, or named in "DiscoveryCfg.ini" there (section "User",
 // key "CtiNames", names separated by ';'). No entry point reports an error: before Init, after UnInit or on
 // failure they return an empty list or a null pointer.
+#include <talvir/CameraLink.h>
 #include <talvir/CameraTypes.h>
 #include <talvir/CustomInfo.h>
 #include <talvir/Diagnostics.h>

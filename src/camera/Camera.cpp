@@ -27,18 +27,6 @@ constexpr std::chrono::milliseconds kProbeRetryPause{50};
 
 constexpr size_t kStreamIDSize = 256;
 
-GenTL::DEVICE_ACCESS_FLAGS AccessFlagsOf(uint32_t accessMode) {
-  switch (accessMode) {
-  case AccessMode::Control:
-    return GenTL::DEVICE_ACCESS_CONTROL;
-  case AccessMode::ReadOnly:
-    return GenTL::DEVICE_ACCESS_READONLY;
-  case AccessMode::Exclusive:
-  default:
-    return GenTL::DEVICE_ACCESS_EXCLUSIVE;
-  }
-}
-
 } // namespace
 
 CCamera::CCamera(CCameraInfo* info, CCameraRegistry* registry)
@@ -80,6 +68,18 @@ void CCamera::Release() {
   // camera's own operations, which are gone once its destructor has run.
   Close();
   delete this;
+}
+
+int32_t CCamera::AccessFlagsOf(uint32_t accessMode) {
+  switch (accessMode) {
+  case AccessMode::Control:
+    return GenTL::DEVICE_ACCESS_CONTROL;
+  case AccessMode::ReadOnly:
+    return GenTL::DEVICE_ACCESS_READONLY;
+  case AccessMode::Exclusive:
+  default:
+    return GenTL::DEVICE_ACCESS_EXCLUSIVE;
+  }
 }
 
 int64_t CCamera::NowMs() const {
@@ -133,6 +133,26 @@ bool CCamera::IsOpen() {
 }
 
 int32_t CCamera::OpenDevice(uint32_t accessMode) {
+  const int32_t opened = OpenGenTLDevice(accessMode);
+  if (opened != Status::Ok) {
+    return opened;
+  }
+  CCti* const producer = Producer();
+  void* remote = nullptr;
+  if (producer == nullptr || producer->Api().DevGetPort == nullptr ||
+      producer->Api().DevGetPort(m_pDevicePort->Handle(), &remote) != GenTL::GC_ERR_SUCCESS) {
+    return Status::NoRemotePort;
+  }
+  m_pRemotePort = std::make_unique<CCtiPort>(producer, remote);
+  const int32_t streamOpened = OpenFirstStream();
+  if (streamOpened != Status::Ok) {
+    return streamOpened;
+  }
+  SetOnline(true);
+  return Status::Ok;
+}
+
+int32_t CCamera::OpenGenTLDevice(uint32_t accessMode) {
   CCti* const producer = Producer();
   if (producer == nullptr) {
     return Status::NoProducer;
@@ -160,13 +180,16 @@ int32_t CCamera::OpenDevice(uint32_t accessMode) {
     return Status::OpenDeviceFailed;
   }
   m_pDevicePort = std::make_unique<CCtiPort>(producer, device);
+  return Status::Ok;
+}
 
-  void* remote = nullptr;
-  if (api.DevGetPort == nullptr || api.DevGetPort(device, &remote) != GenTL::GC_ERR_SUCCESS) {
-    return Status::NoRemotePort;
+int32_t CCamera::OpenFirstStream() {
+  CCti* const producer = Producer();
+  void* const device = m_pDevicePort != nullptr ? m_pDevicePort->Handle() : nullptr;
+  if (producer == nullptr || device == nullptr) {
+    return Status::StreamCountFailed;
   }
-  m_pRemotePort = std::make_unique<CCtiPort>(producer, remote);
-
+  const CGenTLFunctionTable& api = producer->Api();
   uint32_t streams = 0;
   if (api.DevGetNumDataStreams == nullptr || api.DevGetNumDataStreams(device, &streams) != GenTL::GC_ERR_SUCCESS) {
     return Status::StreamCountFailed;
@@ -187,7 +210,6 @@ int32_t CCamera::OpenDevice(uint32_t accessMode) {
     return Status::OpenStreamFailed;
   }
   m_pStreamPort = std::make_unique<CCtiPort>(producer, stream);
-  SetOnline(true);
   return Status::Ok;
 }
 
@@ -403,7 +425,7 @@ bool CCamera::IsOnline() {
   return CheckOnline(port);
 }
 
-bool CCamera::CheckOnline(CCtiPort* port) {
+bool CCamera::CheckOnline(GenApi::IPort* port) {
   if (!m_online.load()) {
     return false;
   }
@@ -438,15 +460,22 @@ uint64_t CCamera::GetProbeAddress() {
   return 0;
 }
 
-bool CCamera::ProbeDevice(CCtiPort* port) {
+bool CCamera::ProbeDevice(GenApi::IPort* port) {
   std::lock_guard<std::mutex> lock(m_lock);
   // A port that is no longer one of the camera's (closed meanwhile) has nothing to probe.
-  if (port == nullptr || (port != m_pRemotePort.get() && port != m_pDevicePort.get() && port != m_pStreamPort.get())) {
+  const auto own = [port](const std::unique_ptr<CCtiPort>& held) {
+    return held != nullptr && port == static_cast<GenApi::IPort*>(held.get());
+  };
+  if (port == nullptr || !(own(m_pRemotePort) || own(m_pDevicePort) || own(m_pStreamPort))) {
     return false;
   }
+  return ReadProbeValue(*port);
+}
+
+bool CCamera::ReadProbeValue(GenApi::IPort& port) {
   try {
     uint32_t value = 0;
-    port->Read(&value, static_cast<int64_t>(GetProbeAddress()), sizeof value);
+    port.Read(&value, static_cast<int64_t>(GetProbeAddress()), sizeof value);
     if (!m_probeSeen) {
       m_probeSeen = true;
       m_probeValue = value;

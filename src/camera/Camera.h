@@ -16,6 +16,10 @@
 #include <unordered_map>
 #include <vector>
 
+namespace GenApi {
+struct IPort;
+} // namespace GenApi
+
 namespace TALVIR {
 
 class CCameraInfo;
@@ -77,9 +81,10 @@ public:
   virtual uint64_t ComputePayloadSize();
   virtual bool GetImageFillFlag();
   virtual void Notify(uint32_t code, uint64_t arg1, uint64_t arg2);
-  virtual bool CheckOnline(CCtiPort* port);
+  // The watchdog works on any GenApi port: the camera's own ports over GenTL, or a serial link (Camera Link).
+  virtual bool CheckOnline(GenApi::IPort* port);
   virtual uint64_t GetProbeAddress();
-  virtual bool ProbeDevice(CCtiPort* port);
+  virtual bool ProbeDevice(GenApi::IPort* port);
   virtual void SetOnline(bool online);
 
   // One fetch through WaitImage that takes part in the in-flight count, so that StopGrabbing waits for it:
@@ -115,6 +120,10 @@ public:
   bool ExchangeConnected(bool connected) { return m_connected.exchange(connected); }
   bool IsConnected() const { return m_connected.load(); }
 
+  // The GenTL device access flags an access mode opens with: Control (0) control access, ReadOnly (2) read-only,
+  // Exclusive (1) and every other value exclusive access.
+  static int32_t AccessFlagsOf(uint32_t accessMode);
+
   // Tests replace the watchdog's millisecond clock.
   void SetClockForTesting(std::function<int64_t()> clock);
 
@@ -133,6 +142,24 @@ protected:
   uint32_t PartialImageMode() const { return m_partialImageMode.load(); }
   CCameraInfo* Info() const { return m_pInfo; }
   int64_t NowMs() const;
+
+  // Steps of opening and acquisition shared with the transport cameras, which run them under the camera's lock.
+  // Opens the GenTL device of the info record as the device port: -1 no producer, -2 the producer refused.
+  int32_t OpenGenTLDevice(uint32_t accessMode);
+  // Opens the device's first data stream as the stream port: -4 no stream count, -5 no stream, -6 no stream ID,
+  // -7 the stream does not open.
+  int32_t OpenFirstStream();
+  CCtiPort* StreamPortLocked() const { return m_pStreamPort.get(); }
+  // Keeps an announced buffer with its memory in the buffer table.
+  void RecordBuffer(void* handle, std::shared_ptr<CBufferMemory> memory);
+  // The new-buffer event registered on the stream for this acquisition (null: none).
+  void SetNewBufferEvent(void* event) { m_hNewBufferEvent = event; }
+  void SetPayloadSize(uint64_t size) { m_payloadSize = size; }
+  // Stops the data stream (the last step of stopping acquisition, after KillNewBufferEvent).
+  void StopStream();
+  // The read of the watchdog's probe through `port`: true while the value at the probe address stays the first
+  // one seen. The caller serialises probes and makes sure the port stays alive.
+  bool ReadProbeValue(GenApi::IPort& port);
 
 private:
   struct SBuffer {

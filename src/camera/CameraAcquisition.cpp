@@ -263,7 +263,7 @@ int32_t CCamera::StartAcquisition(uint64_t count) {
       }
       break; // the buffers announced so far serve
     }
-    m_buffers.emplace(handle, SBuffer{handle, std::move(memory)});
+    RecordBuffer(handle, std::move(memory));
     api.DSQueueBuffer(stream, handle);
   }
 
@@ -324,6 +324,13 @@ void CCamera::StopAcquisition() {
     // Stopped a second time: some cameras ignore a stop while the transport layer parameters are locked.
     Guarded(stopCommand);
   }
+  StopStream();
+}
+
+void CCamera::StopStream() {
+  if (m_pStreamPort == nullptr) {
+    return;
+  }
   CCti* const producer = m_pStreamPort->Producer();
   if (producer != nullptr && producer->Api().DSStopAcquisition != nullptr && m_pStreamPort->Handle() != nullptr) {
     producer->Api().DSStopAcquisition(m_pStreamPort->Handle(), GenTL::ACQ_STOP_FLAGS_DEFAULT);
@@ -368,12 +375,16 @@ uint64_t CCamera::GetAnnounceCount() {
   return std::max(minimum, kMinimumAnnounceCount);
 }
 
+void CCamera::RecordBuffer(void* handle, std::shared_ptr<CBufferMemory> memory) {
+  m_buffers.emplace(handle, SBuffer{handle, std::move(memory)});
+}
+
 void CCamera::RevokeBuffers() {
   CCti* const producer = m_pStreamPort != nullptr ? m_pStreamPort->Producer() : nullptr;
   for (auto& entry : m_buffers) {
-    const bool revoked = producer != nullptr && producer->Api().DSRevokeBuffer != nullptr &&
-                         producer->Api().DSRevokeBuffer(m_pStreamPort->Handle(), entry.first, nullptr, nullptr) ==
-                             GenTL::GC_ERR_SUCCESS;
+    const bool revoked =
+        producer != nullptr && producer->Api().DSRevokeBuffer != nullptr &&
+        producer->Api().DSRevokeBuffer(m_pStreamPort->Handle(), entry.first, nullptr, nullptr) == GenTL::GC_ERR_SUCCESS;
     if (!revoked) {
       // The producer still knows this buffer and may write into it: its memory stays until the stream closes.
       m_unrevoked.push_back(std::move(entry.second.memory));

@@ -21,21 +21,6 @@ namespace {
 std::recursive_mutex g_currentLock;
 CCameraRegistry* g_current = nullptr;
 
-// The camera class of a transport.
-CCamera* MakeCamera(CCameraInfo* info, CCameraRegistry* registry) {
-  switch (info->GetTLType()) {
-  case TLType::GEV:
-    return new (std::nothrow) CGevCamera(info, registry);
-  case TLType::U3V:
-    return new (std::nothrow) CU3VCamera(info, registry);
-  case TLType::CL:
-  case TLType::CLHS:
-    // Camera Link frame grabbers get their own class with the serial link; until then the common camera serves.
-  default:
-    return new (std::nothrow) CCamera(info, registry);
-  }
-}
-
 const char* AddressTextOf(ICameraInfo& info) {
   return info.GetCustomInfo(CustomInfo::GevIPAddress);
 }
@@ -99,8 +84,7 @@ ICamera* CCameraRegistry::CreateCamera(ICameraInfo* info) {
     return nullptr;
   }
   if (info->GetTLType() == TLType::CLSerialOnly) {
-    // Cameras known only by their serial port are made by the Camera Link path, which does not exist yet.
-    return nullptr;
+    return CreateSerialOnlyCamera();
   }
   auto* const record = dynamic_cast<CCameraInfo*>(info);
   if (record == nullptr || record->Producer() == nullptr) {
@@ -113,7 +97,50 @@ ICamera* CCameraRegistry::CreateCamera(ICameraInfo* info) {
       return camera;
     }
   }
-  return MakeCamera(record, this);
+  return MakeCamera(record);
+}
+
+void CCameraRegistry::SetCameraLinkFactory(CameraLinkFactory factory) {
+  std::lock_guard<std::recursive_mutex> lock(m_lock);
+  m_cameraLinkFactory = std::move(factory);
+}
+
+ICamera* CCameraRegistry::CreateSerialOnlyCamera() {
+  CameraLinkFactory factory;
+  {
+    std::lock_guard<std::recursive_mutex> lock(m_lock);
+    factory = m_cameraLinkFactory;
+  }
+  if (!factory) {
+    return nullptr;
+  }
+  auto* const record = new (std::nothrow) CCameraInfo(nullptr, nullptr);
+  if (record == nullptr) {
+    return nullptr;
+  }
+  record->m_tlType = TLType::CLSerialOnly;
+  CCamera* const camera = factory(record, this);
+  // The camera holds its own reference; the creator's goes.
+  record->ReleaseRef();
+  return camera;
+}
+
+CCamera* CCameraRegistry::MakeCamera(CCameraInfo* info) {
+  switch (info->GetTLType()) {
+  case TLType::GEV:
+    return new (std::nothrow) CGevCamera(info, this);
+  case TLType::U3V:
+    return new (std::nothrow) CU3VCamera(info, this);
+  case TLType::CL:
+  case TLType::CLHS:
+    if (m_cameraLinkFactory) {
+      return m_cameraLinkFactory(info, this);
+    }
+    // Without the Camera Link area (camera core tests) the common camera serves the frame grabber.
+    return new (std::nothrow) CCamera(info, this);
+  default:
+    return new (std::nothrow) CCamera(info, this);
+  }
 }
 
 void CCameraRegistry::AddCamera(CCamera* camera) {

@@ -5,6 +5,7 @@
 #include "platform/DynamicModule.h"
 
 #include <cstdint>
+#include <functional>
 #include <mutex>
 #include <string>
 #include <unordered_set>
@@ -12,6 +13,7 @@
 namespace TALVIR {
 
 class CCamera;
+class CCameraInfo;
 class ICamera;
 class ICameraInfo;
 
@@ -21,6 +23,11 @@ constexpr const char* kU3vProducerName = "U3VTLTAV.cti";
 
 class CCameraRegistry {
 public:
+  // Makes a Camera Link camera, whose class lives in the Camera Link area above the camera core: for a frame
+  // grabber's record (TL type CL or CLHS), or for a blank record of TL type CLSerialOnly (a camera reached only over
+  // its serial link). The camera enters `registry` itself. Null when it cannot be made.
+  using CameraLinkFactory = std::function<CCamera*(CCameraInfo* info, CCameraRegistry* registry)>;
+
   // Publishes itself as the process's registry (for the status handlers), then links the helper library and the
   // USB3 Vision producer by these names; either may be absent. Tests give other names.
   explicit CCameraRegistry(const std::string& helperName = kHelperLibraryName,
@@ -30,10 +37,18 @@ public:
   CCameraRegistry(const CCameraRegistry&) = delete;
   CCameraRegistry& operator=(const CCameraRegistry&) = delete;
 
+  // Installed by the library front when it creates the registry. Without a factory, frame grabbers get the common
+  // camera and no serial-only camera is made.
+  void SetCameraLinkFactory(CameraLinkFactory factory);
+
   // The camera for `info`: the existing one for an equal record, else a new one of the class that matches the
-  // device's transport. Null for a null record, a record that no producer found, and a Camera Link camera known
-  // only by its serial port (made by the Camera Link path).
+  // device's transport. A record of TL type CLSerialOnly gives a new blank Camera Link camera (the record itself is
+  // not attached: the application connects the camera with OpenSerial). Null for a null record and for any other
+  // record that no producer found.
   ICamera* CreateCamera(ICameraInfo* info);
+  // A new blank Camera Link camera, on a fresh record of TL type CLSerialOnly without producer; null without a
+  // Camera Link factory.
+  ICamera* CreateSerialOnlyCamera();
 
   // Called by every camera's constructor and on its release.
   void AddCamera(CCamera* camera);
@@ -52,12 +67,15 @@ private:
   // Marks the first camera of `tlType` whose info text (`textOf`) equals `text` over `length` characters.
   void MarkOffline(uint32_t tlType, const char* text, size_t length, const char* (*textOf)(ICameraInfo&));
 
+  CCamera* MakeCamera(CCameraInfo* info);
+
   std::unordered_set<CCamera*> m_cameras;
   // Recursive: a device-lost notification runs under it and may create or release a camera.
   std::recursive_mutex m_lock;
   std::string m_helperName;
   Platform::ModuleHandle m_u3vModule = nullptr;
   std::string m_u3vName;
+  CameraLinkFactory m_cameraLinkFactory;
 };
 
 } // namespace TALVIR

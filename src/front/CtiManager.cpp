@@ -2,6 +2,7 @@
 
 #include "camera/CameraRegistry.h"
 #include "camera/CtiPort.h"
+#include "cl/CLCamera.h"
 #include "cl/CLProtocolTemplate.h"
 #include "gentl/GevCti.h"
 #include "platform/DirectoryListing.h"
@@ -28,6 +29,8 @@ CCtiManager::CCtiManager(std::string directory, const std::string& helperName, c
     : m_directory(std::move(directory)) {
   m_loadedProducers.max_load_factor(1.0f);
   m_registry = std::make_unique<CCameraRegistry>(helperName, u3vProducerName);
+  // The camera core cannot know the Camera Link area above it: it gets the factory of its cameras here.
+  m_registry->SetCameraLinkFactory(&MakeCLCamera);
   std::optional<CDiscoveryConfig> config = ReadDiscoveryConfig(ConfigurationPath());
   if (config) {
     m_config = std::move(*config);

@@ -1,5 +1,6 @@
 #include "front/Discovery.h"
 
+#include "cl/CLSerialDiscovery.h"
 #include "front/CtiManager.h"
 #include "gentl/Cti.h"
 
@@ -83,7 +84,7 @@ std::list<ICameraInfo*> DiscoverByTLType(CCtiManager& manager, uint64_t mask) {
   record.mask = mask;
   if (mask == TLType::CLSerialOnly) {
     manager.RecordDiscovery(record);
-    return {};
+    return DiscoverCLSerialCameras();
   }
   std::vector<CCti*> selected;
   const std::vector<CCti*> loaded = LoadProducers(manager, manager.ProducerNames(), record);

@@ -21,8 +21,8 @@ bool ProducerSelectedByMask(uint32_t producerType, uint64_t mask);
 // Discovery over the producer file `name`, or over every configured or found producer when `name` is null or empty.
 std::list<ICameraInfo*> DiscoverByName(CCtiManager& manager, const char* name);
 
-// Discovery over the producers selected by `mask`. The serial-port-only Camera Link mask gives an empty list: the
-// serial-port probe is not part of the library yet.
+// Discovery over the producers selected by `mask`. The serial-port-only Camera Link mask (exactly) probes the serial
+// ports instead and lists the Camera Link cameras that answer.
 std::list<ICameraInfo*> DiscoverByTLType(CCtiManager& manager, uint64_t mask);
 
 } // namespace TALVIR

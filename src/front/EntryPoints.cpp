@@ -1,16 +1,18 @@
 #include "front/EntryPoints.h"
 
 #include "camera/CameraRegistry.h"
+#include "cl/CLCachedLists.h"
 #include "front/CtiManager.h"
 #include "front/Discovery.h"
-#include "image/ImgTool.h"
 #include "front/DiscoveryReport.h"
 #include "gentl/DiagnosticSink.h"
 #include "gentl/GenTLErrorText.h"
+#include "image/ImgTool.h"
 #include "platform/SelfPath.h"
 
 #include <talvir/Talvir.h>
 
+#include <cstdio>
 #include <string>
 
 namespace TALVIR {
@@ -85,6 +87,24 @@ ICamera* CreateCameraBySN(const char* serialNumber) {
   CCameraRegistry* const registry = g_manager->Registry();
   return CreateCameraBySerial(*g_manager, serialNumber,
                               [registry](ICameraInfo* info) { return registry->CreateCamera(info); });
+}
+
+ICamera* CreateCameraWithCLCamOnly() {
+  // A trace line on standard output, which applications of the serial-link-only camera have come to expect.
+  std::printf("ICamera* CreateCameraWithCLCamOnly()\n");
+  std::fflush(stdout);
+  if (g_manager == nullptr) {
+    return nullptr;
+  }
+  return g_manager->Registry()->CreateSerialOnlyCamera();
+}
+
+std::list<std::string> GetCLProtocols() {
+  return GetCachedCLProtocols();
+}
+
+std::list<std::string> GetCLSerials() {
+  return GetCachedCLSerials();
 }
 
 uint32_t ConvertedPixelFormat(uint32_t pixelFormat) {

@@ -61,6 +61,10 @@ public:
     GetDiscoveryReport = Bind<decltype(&TALVIR::GetDiscoveryReport)>("_ZN6TALVIR18GetDiscoveryReportEv");
     SetDiagnosticCallback = Bind<decltype(&TALVIR::SetDiagnosticCallback)>(
         "_ZN6TALVIR21SetDiagnosticCallbackEPFvRKNS_16GenTLCallFailureEPvES3_");
+    CreateCameraWithCLCamOnly =
+        Bind<decltype(&TALVIR::CreateCameraWithCLCamOnly)>("_ZN6TALVIR25CreateCameraWithCLCamOnlyEv");
+    GetCLProtocols = Bind<decltype(&TALVIR::GetCLProtocols)>("_ZN6TALVIR14GetCLProtocolsB5cxx11Ev");
+    GetCLSerials = Bind<decltype(&TALVIR::GetCLSerials)>("_ZN6TALVIR12GetCLSerialsB5cxx11Ev");
   }
 
   decltype(&TALVIR::Init) Init = nullptr;
@@ -71,6 +75,9 @@ public:
   decltype(&TALVIR::CreateCameraBySN) CreateCameraBySN = nullptr;
   decltype(&TALVIR::GetDiscoveryReport) GetDiscoveryReport = nullptr;
   decltype(&TALVIR::SetDiagnosticCallback) SetDiagnosticCallback = nullptr;
+  decltype(&TALVIR::CreateCameraWithCLCamOnly) CreateCameraWithCLCamOnly = nullptr;
+  decltype(&TALVIR::GetCLProtocols) GetCLProtocols = nullptr;
+  decltype(&TALVIR::GetCLSerials) GetCLSerials = nullptr;
 
 private:
   template <typename TFunction> TFunction Bind(const char* name) const {

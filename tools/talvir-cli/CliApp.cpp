@@ -1,6 +1,7 @@
 #include "CliApp.h"
 
 #include "BenchCommand.h"
+#include "ClSubcommand.h"
 #include "DiscoverCommand.h"
 #include "FeaturesCommand.h"
 #include "GetCommand.h"
@@ -32,6 +33,7 @@ int RunCli(const std::vector<std::string>& arguments, std::ostream& out, std::os
   commands.push_back(std::make_unique<CBenchCommand>());
   commands.push_back(std::make_unique<CSettingsCommand>());
   commands.push_back(std::make_unique<CWatchCommand>());
+  commands.push_back(std::make_unique<CClSubcommand>());
   std::vector<CLI::App*> subcommands;
   for (const auto& command : commands) {
     subcommands.push_back(command->Register(app));

@@ -29,6 +29,9 @@ struct SCameraConfig {
   std::string description;
   // Serve description files of zero bytes (a camera whose description is missing).
   bool emptyDescription = false;
+  // Pace the bytes at the line rate (10 bits a byte) as a real serial line would; a pseudo-terminal alone delivers
+  // at once. Used by the pseudo-terminal server only.
+  bool paceAtLineRate = false;
 };
 
 // Fixed addresses of the simulated camera.

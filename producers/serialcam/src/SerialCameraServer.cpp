@@ -2,16 +2,23 @@
 
 #include <CLProtocol/CLSerialApi.h>
 
+#include <algorithm>
+
 namespace TalvirSerialCam {
 namespace {
 
 using GenICam::Platform::ESerialResult;
 
 constexpr std::chrono::milliseconds kIdleWait(1000);
+// A start bit, eight data bits, a stop bit.
+constexpr uint64_t kBitsPerByte = 10;
+// Paced output is written in slices of about this long on the line.
+constexpr std::chrono::microseconds kPaceSlice(1000);
 
 } // namespace
 
-CSerialCameraServer::CSerialCameraServer(const SCameraConfig& config) : m_engine(config) {}
+CSerialCameraServer::CSerialCameraServer(const SCameraConfig& config)
+    : m_engine(config), m_pace(config.paceAtLineRate) {}
 
 CSerialCameraServer::~CSerialCameraServer() {
   Stop();
@@ -110,17 +117,64 @@ void CSerialCameraServer::Run() {
     }
     std::string bytes;
     const ESerialResult result = m_pty.ReadSome(bytes, waitMs);
-    const std::lock_guard<std::mutex> guard(m_lock);
-    m_engine.RunTimers(CSerialCameraEngine::Clock::now());
-    if (result == ESerialResult::Ok) {
-      const unsigned before = m_engine.Statistics().commands;
-      m_engine.TakeBytes(bytes, CLProtocol::BitOfBaudRate(m_pty.ClientBaudRate()));
-      if (m_engine.Statistics().commands != before) {
-        m_changed.notify_all();
+    if (m_pace && result == ESerialResult::Ok) {
+      // The host wrote the batch at once; on a line its last byte arrives only after the batch's line time.
+      m_inputDoneAt = std::max(Clock::now(), m_inputDoneAt) + LineTime(bytes.size());
+      if (!PauseUntil(m_inputDoneAt)) {
+        continue;
       }
     }
-    Flush();
+    std::string output;
+    {
+      const std::lock_guard<std::mutex> guard(m_lock);
+      m_engine.RunTimers(CSerialCameraEngine::Clock::now());
+      if (result == ESerialResult::Ok) {
+        const unsigned before = m_engine.Statistics().commands;
+        m_engine.TakeBytes(bytes, CLProtocol::BitOfBaudRate(m_pty.ClientBaudRate()));
+        if (m_engine.Statistics().commands != before) {
+          m_changed.notify_all();
+        }
+      }
+      if (!m_pace) {
+        Flush();
+        continue;
+      }
+      output = m_engine.TakeOutput();
+    }
+    SendPaced(output);
   }
+}
+
+CSerialCameraServer::Clock::duration CSerialCameraServer::LineTime(size_t bytes) const {
+  const uint32_t baud = m_pty.ClientBaudRate();
+  if (baud == 0) {
+    return Clock::duration::zero();
+  }
+  return std::chrono::duration_cast<Clock::duration>(std::chrono::nanoseconds(
+      static_cast<int64_t>(static_cast<uint64_t>(bytes) * kBitsPerByte * 1000000000ull / baud)));
+}
+
+bool CSerialCameraServer::PauseUntil(Clock::time_point deadline) {
+  std::unique_lock<std::mutex> lock(m_lock);
+  return !m_changed.wait_until(lock, deadline, [this] { return m_stop || m_pullRequested; });
+}
+
+void CSerialCameraServer::SendPaced(const std::string& output) {
+  if (output.empty()) {
+    return;
+  }
+  const uint32_t baud = m_pty.ClientBaudRate();
+  const size_t slice = std::max<size_t>(1, static_cast<size_t>(baud / kBitsPerByte * kPaceSlice.count() / 1000000));
+  const Clock::time_point start = std::max(Clock::now(), m_outputFreeAt);
+  for (size_t offset = 0; offset < output.size(); offset += slice) {
+    const size_t length = std::min(slice, output.size() - offset);
+    // A byte is through once its stop bit is: the slice is handed over when its last byte would have arrived.
+    if (!PauseUntil(start + LineTime(offset + length))) {
+      return;
+    }
+    m_pty.Write(output.data() + offset, length);
+  }
+  m_outputFreeAt = start + LineTime(output.size());
 }
 
 } // namespace TalvirSerialCam

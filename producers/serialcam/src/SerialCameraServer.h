@@ -1,6 +1,7 @@
 #pragma once
 // Serves the simulated serial camera on a pseudo-terminal, in a thread of its own (the protocol is
 // CSerialCameraEngine's; the host's baud rate is read from the terminal's settings).
+#include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <mutex>
@@ -39,8 +40,16 @@ public:
   uint32_t Register32(uint64_t address) const;
 
 private:
+  using Clock = std::chrono::steady_clock;
+
   void Run();
   void Flush();
+  // Paced mode: writes `output` as the line would deliver it, from `m_outputFreeAt` on.
+  void SendPaced(const std::string& output);
+  // Paced mode: waits until `deadline`; false when stopped or the cable is pulled meanwhile.
+  bool PauseUntil(Clock::time_point deadline);
+  // Time `bytes` take on the line at the host's current baud rate.
+  Clock::duration LineTime(size_t bytes) const;
 
   mutable std::mutex m_lock;
   std::condition_variable m_changed;
@@ -51,6 +60,10 @@ private:
   bool m_stop = false;
   bool m_pullRequested = false;
   bool m_pulled = false;
+  // Paced mode, used by the serving thread only: when the bytes received so far and sent so far are through.
+  const bool m_pace;
+  Clock::time_point m_inputDoneAt{};
+  Clock::time_point m_outputFreeAt{};
 };
 
 } // namespace TalvirSerialCam

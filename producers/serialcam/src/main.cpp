@@ -1,6 +1,6 @@
 // talvir-sim-serial: serves the simulated Camera Link camera on a pseudo-terminal, prints the port it serves and
 // runs until stopped (Ctrl-C).
-//   talvir-sim-serial [--serial SN] [--plain-first] [--rates BITS] [--slow-ms MS]
+//   talvir-sim-serial [--serial SN] [--plain-first] [--rates BITS] [--slow-ms MS] [--pace]
 #include "SerialCameraServer.h"
 
 #include <cstdio>
@@ -21,8 +21,10 @@ int main(int argc, char** argv) {
       config.supportedRates = static_cast<uint32_t>(std::strtoul(argv[++i], nullptr, 0));
     } else if (option == "--slow-ms" && hasValue) {
       config.slowWriteMs = static_cast<uint32_t>(std::strtoul(argv[++i], nullptr, 0));
+    } else if (option == "--pace") {
+      config.paceAtLineRate = true;
     } else {
-      std::fprintf(stderr, "usage: %s [--serial SN] [--plain-first] [--rates BITS] [--slow-ms MS]\n", argv[0]);
+      std::fprintf(stderr, "usage: %s [--serial SN] [--plain-first] [--rates BITS] [--slow-ms MS] [--pace]\n", argv[0]);
       return 2;
     }
   }

@@ -90,7 +90,9 @@ SDeviceConfig DefaultDevice(EFlavour flavour, int index, bool colour) {
     device.customInfo[1205] = {false, 0, "Talvir"};
     device.customInfo[1206] = {false, 0, "Base"};
     device.customInfo[1207] = {false, 0, "1X-1Y"};
-    device.customInfo[1208] = {false, 0, "SimSerial" + std::to_string(index)};
+    // "<board>.<channel>": the serial channel of the simulated grabber's serial library (clserkrx.so) behind which
+    // the camera's simulated serial side answers.
+    device.customInfo[1208] = {false, 0, "0." + std::to_string(index)};
     device.customInfo[1209] = {false, 0, "SimCLProtocol"};
     device.customInfo[1230] = {true, 85, ""};
     device.customInfo[1231] = {false, 0, "2.4.1"};

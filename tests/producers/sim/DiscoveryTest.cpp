@@ -188,7 +188,8 @@ TEST(SimDiscovery, CameraLinkAndU3VFlavoursAnswerTheirCustomCommands) {
   for (int command : {1203, 1204, 1205, 1206, 1207, 1208, 1209, 1231}) {
     EXPECT_NE(DeviceInfo(cl.fn, clAll.iface, clAll.devices[0], command), "<error>") << command;
   }
-  EXPECT_EQ(DeviceInfo(cl.fn, clAll.iface, clAll.devices[0], 1208), "SimSerial0");
+  EXPECT_EQ(DeviceInfo(cl.fn, clAll.iface, clAll.devices[0], 1208), "0.0");
+  EXPECT_EQ(DeviceInfo(cl.fn, clAll.iface, clAll.devices[1], 1208), "0.1");
 
   CSimModule u3v("TalvirSim.cti", "U3VTLTAV.cti");
   ASSERT_EQ(u3v.Init(), GC_ERR_SUCCESS);

@@ -15,6 +15,9 @@ uint32_t MsUntil(std::chrono::steady_clock::time_point deadline) {
 
 // A device announces how long it still needs; a little slack covers the packet's own time on the wire.
 constexpr uint32_t kPendingSlackMs = 100;
+// Serial bytes carry a start and a stop bit; the slack covers the gaps between bytes.
+constexpr uint64_t kBitsPerByte = 10;
+constexpr uint64_t kTransferSlackMs = 20;
 
 } // namespace
 
@@ -67,6 +70,11 @@ CGenCPLink::EWait CGenCPLink::ReadPacket(const CLPSerial& serial, Clock::time_po
   std::vector<uint8_t> whole(header, header + kHeaderSize);
   const size_t scdLength = GetU16(header + 12);
   if (scdLength > 0) {
+    if (m_lineRate != 0) {
+      // A full packet needs over a second at 9600 baud: the wait covers the data's time on the wire.
+      const auto transferMs = static_cast<int64_t>(scdLength * kBitsPerByte * 1000 / m_lineRate + kTransferSlackMs);
+      deadline = std::max(deadline, Clock::now() + std::chrono::milliseconds(transferMs));
+    }
     whole.resize(kHeaderSize + scdLength);
     uint32_t size = static_cast<uint32_t>(scdLength);
     status = serial.read(serial.context, reinterpret_cast<char*>(whole.data() + kHeaderSize), &size, MsUntil(deadline));

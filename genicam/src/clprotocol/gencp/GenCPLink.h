@@ -50,6 +50,10 @@ public:
   // How many times a command is resent after a time-out (kMaxResends unless set).
   void SetResendLimit(int limit) { m_resendLimit = limit; }
 
+  // The link's speed in bits per second (0: unknown). Once an answer's header has arrived, the wait for its data
+  // lasts at least their time on the wire at this speed, so that long answers on slow links do not time out.
+  void SetLineRate(uint32_t bitsPerSecond) { m_lineRate = bitsPerSecond; }
+
   // Whether WRITEMEM acknowledges carry the number of bytes written (capability bit 11).
   void SetWrittenLengthReported(bool reported) { m_writtenLengthReported = reported; }
 
@@ -73,6 +77,7 @@ private:
 
   CRequestIds m_requestIds;
   int m_resendLimit = kMaxResends;
+  uint32_t m_lineRate = 0;
   bool m_writtenLengthReported = false;
   std::string m_lastError;
   uint16_t m_lastDeviceStatus = 0;

@@ -116,6 +116,7 @@ int32_t CGenCPSession::Probe(const CLPSerial& serial, const std::string& shortId
   serial.setBaudRate(serial.context, CL_BAUDRATE_9600);
   serial.flush(serial.context);
   m_baudRate = CL_BAUDRATE_9600;
+  m_link.SetLineRate(BaudRateOfBit(m_baudRate));
   const uint32_t timeout = Timeout(timeoutMs);
   uint8_t word[8];
   // The first read is sent once: a port without a camera then costs one time-out, not four.
@@ -345,6 +346,7 @@ int32_t CGenCPSession::SwitchBaudRate(const CLPSerial& serial, uint32_t rateBit)
     m_link.SetResendLimit(CGenCPLink::kMaxResends);
     if (status == CL_ERR_NO_ERR) {
       m_baudRate = rateBit;
+      m_link.SetLineRate(BaudRateOfBit(m_baudRate));
       m_lastError.clear();
       return CL_ERR_NO_ERR;
     }
