@@ -68,7 +68,7 @@ TALVIR::ICamera* OpenCamera(const char* serial) {
   return camera;
 }
 
-} // namespace
+}  // namespace
 
 int main(int argc, char** argv) {
   TALVIR::Init();

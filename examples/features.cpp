@@ -22,7 +22,7 @@ TALVIR::ICamera* OpenCamera(const char* serial) {
   return camera;
 }
 
-} // namespace
+}  // namespace
 
 int main(int argc, char** argv) {
   TALVIR::Init();
@@ -40,7 +40,7 @@ int main(int argc, char** argv) {
                   static_cast<long long>(width->GetMin()), static_cast<long long>(width->GetMax()),
                   static_cast<long long>(width->GetInc()), pixelFormat->ToString().c_str());
       if (GenApi::IsWritable(width)) {
-        width->SetValue(width->GetMax() / 2 / width->GetInc() * width->GetInc()); // checked against Min, Max, Inc
+        width->SetValue(width->GetMax() / 2 / width->GetInc() * width->GetInc());  // checked against Min, Max, Inc
       }
       GenApi::StringList_t formats;
       pixelFormat->GetSymbolics(formats);
@@ -52,7 +52,7 @@ int main(int argc, char** argv) {
       std::printf("settings: %zu bytes saved, %zu lines loaded back, %zu refused\n", settings.size(), loaded.Applied,
                   loaded.Failures.size());
       result = loaded.Failures.empty() ? 0 : 1;
-    } catch (const GenICam::GenericException& error) { // a missing feature, a refused value, a lost device
+    } catch (const GenICam::GenericException& error) {  // a missing feature, a refused value, a lost device
       std::fprintf(stderr, "features: %s\n", error.GetDescription());
     }
   }

@@ -46,7 +46,7 @@ bool SavePnm(const std::string& path, TALVIR::IImage& image) {
   return std::fclose(file) == 0;
 }
 
-} // namespace
+}  // namespace
 
 int main(int argc, char** argv) {
   const std::string path = argc > 2 ? argv[2] : "last.pnm";
@@ -71,7 +71,7 @@ int main(int argc, char** argv) {
                     path.c_str());
         result = saved ? 0 : 1;
       }
-      image->Release(); // gives the buffer back to the stream
+      image->Release();  // gives the buffer back to the stream
     }
     camera->StopGrabbing();
   } else {

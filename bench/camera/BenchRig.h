@@ -41,7 +41,7 @@ struct SSimDevice {
   std::string id;
   uint32_t width;
   uint32_t height;
-  double frameRate; // 0: free run
+  double frameRate;  // 0: free run
   uint32_t bufferAnnounceMin = 1;
 };
 
@@ -270,7 +270,8 @@ public:
     return ok;
   }
   // One more figure of a buffer (for example its time stamp).
-  template <typename T> bool Info(void* handle, int32_t command, T* value) {
+  template <typename T>
+  bool Info(void* handle, int32_t command, T* value) {
     GenTL::INFO_DATATYPE type = 0;
     size_t size = sizeof *value;
     return m_api.DSGetBufferInfo(m_stream, handle, command, &type, value, &size) == GenTL::GC_ERR_SUCCESS;
@@ -318,4 +319,4 @@ inline int64_t ThreadCpuNs(long threadId) {
   return ns;
 }
 
-} // namespace TALVIR::Bench
+}  // namespace TALVIR::Bench

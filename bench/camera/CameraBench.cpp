@@ -45,13 +45,9 @@ std::vector<SSimDevice> Devices() {
 }
 
 // Buffers per loop: the small frames measure per-frame overhead with a deep queue, the large ones the fill rate.
-size_t BufferCountOf(EDevice device) {
-  return device == kLarge ? 8 : 16;
-}
+size_t BufferCountOf(EDevice device) { return device == kLarge ? 8 : 16; }
 
-std::string SizeName(EDevice device) {
-  return device == kLarge ? "2448x2048" : "64x64";
-}
+std::string SizeName(EDevice device) { return device == kLarge ? "2448x2048" : "64x64"; }
 
 CBenchRig* g_rig = nullptr;
 
@@ -143,8 +139,8 @@ void Direct(benchmark::State& state, ESide which, EDevice device) {
         break;
       }
     }
-    state.counters["frames/s"] =
-        benchmark::Counter(static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
+    state.counters["frames/s"] = benchmark::Counter(static_cast<double>(state.iterations()),
+                                                    benchmark::Counter::kIsRate);
   } catch (const std::exception& error) {
     state.SkipWithError(error.what());
   }
@@ -530,7 +526,7 @@ private:
   std::map<std::string, double> m_counters;
 };
 
-} // namespace
+}  // namespace
 
 int main(int argc, char** argv) {
   bool summary = false;

@@ -282,7 +282,7 @@ private:
   SFigures m_figures;
 };
 
-} // namespace
+}  // namespace
 
 int main(int argc, char** argv) {
   uint64_t target = 1000000;

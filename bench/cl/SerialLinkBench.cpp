@@ -82,9 +82,7 @@ CLink& LinkAt(uint32_t baud) {
   return *link;
 }
 
-double WireMs(size_t bytes, uint32_t baud) {
-  return static_cast<double>(bytes) * kBitsPerByte * 1000.0 / baud;
-}
+double WireMs(size_t bytes, uint32_t baud) { return static_cast<double>(bytes) * kBitsPerByte * 1000.0 / baud; }
 
 void BM_RegisterRead(benchmark::State& state) {
   const auto baud = static_cast<uint32_t>(state.range(0));
@@ -138,7 +136,7 @@ BENCHMARK(BM_RegisterRead)->Arg(9600)->Arg(115200)->Unit(benchmark::kMillisecond
 BENCHMARK(BM_DescriptionDownload)->Arg(115200)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(3);
 BENCHMARK(BM_DescriptionDownload)->Arg(9600)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(1);
 
-} // namespace
+}  // namespace
 
 int main(int argc, char** argv) {
   // Our own option first: --pace=0 serves without line pacing.

@@ -71,6 +71,6 @@ void BM_DiscoveryOfFourSlowProducers(benchmark::State& state) {
 }
 BENCHMARK(BM_DiscoveryOfFourSlowProducers)->Iterations(3)->Unit(benchmark::kMillisecond);
 
-} // namespace
+}  // namespace
 
 BENCHMARK_MAIN();

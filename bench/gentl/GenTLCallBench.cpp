@@ -11,17 +11,11 @@ namespace {
 
 using namespace TALVIR;
 
-GenTL::GC_ERROR GC_CALLTYPE Succeeds(GenTL::DS_HANDLE, GenTL::BUFFER_HANDLE) {
-  return GenTL::GC_ERR_SUCCESS;
-}
-GenTL::GC_ERROR GC_CALLTYPE Fails(GenTL::DS_HANDLE, GenTL::BUFFER_HANDLE) {
-  return GenTL::GC_ERR_IO;
-}
+GenTL::GC_ERROR GC_CALLTYPE Succeeds(GenTL::DS_HANDLE, GenTL::BUFFER_HANDLE) { return GenTL::GC_ERR_SUCCESS; }
+GenTL::GC_ERROR GC_CALLTYPE Fails(GenTL::DS_HANDLE, GenTL::BUFFER_HANDLE) { return GenTL::GC_ERR_IO; }
 
 std::atomic<uint64_t> g_received{0};
-void Count(const GenTLCallFailure&, void*) {
-  g_received.fetch_add(1, std::memory_order_relaxed);
-}
+void Count(const GenTLCallFailure&, void*) { g_received.fetch_add(1, std::memory_order_relaxed); }
 
 // The pointer goes through an opaque store so that the compiler cannot inline the producer function.
 GenTL::PFN_DSQueueBuffer Opaque(GenTL::PFN_DSQueueBuffer function) {
@@ -48,21 +42,11 @@ void TableEntry(benchmark::State& state, GenTL::PFN_DSQueueBuffer target, bool c
   CDiagnosticSink::Set(nullptr, nullptr);
 }
 
-void BM_SucceedingCallRaw(benchmark::State& state) {
-  RawPointer(state, &Succeeds);
-}
-void BM_SucceedingCallTableCallbackOff(benchmark::State& state) {
-  TableEntry(state, &Succeeds, false);
-}
-void BM_FailingCallRaw(benchmark::State& state) {
-  RawPointer(state, &Fails);
-}
-void BM_FailingCallTableCallbackOff(benchmark::State& state) {
-  TableEntry(state, &Fails, false);
-}
-void BM_FailingCallTableCallbackOn(benchmark::State& state) {
-  TableEntry(state, &Fails, true);
-}
+void BM_SucceedingCallRaw(benchmark::State& state) { RawPointer(state, &Succeeds); }
+void BM_SucceedingCallTableCallbackOff(benchmark::State& state) { TableEntry(state, &Succeeds, false); }
+void BM_FailingCallRaw(benchmark::State& state) { RawPointer(state, &Fails); }
+void BM_FailingCallTableCallbackOff(benchmark::State& state) { TableEntry(state, &Fails, false); }
+void BM_FailingCallTableCallbackOn(benchmark::State& state) { TableEntry(state, &Fails, true); }
 
 BENCHMARK(BM_SucceedingCallRaw);
 BENCHMARK(BM_SucceedingCallTableCallbackOff);
@@ -70,6 +54,6 @@ BENCHMARK(BM_FailingCallRaw);
 BENCHMARK(BM_FailingCallTableCallbackOff);
 BENCHMARK(BM_FailingCallTableCallbackOn);
 
-} // namespace
+}  // namespace
 
 BENCHMARK_MAIN();

@@ -61,28 +61,20 @@ std::vector<uint8_t> RandomSamples(uint64_t count, uint32_t bits) {
 // OpenCV names a Bayer pattern by the colours of the second row's second and third pixels.
 int OpenCvBayerToBgr(EBayer pattern) {
   switch (pattern) {
-  case EBayer::RG:
-    return cv::COLOR_BayerBG2BGR;
-  case EBayer::GR:
-    return cv::COLOR_BayerGB2BGR;
-  case EBayer::GB:
-    return cv::COLOR_BayerGR2BGR;
-  case EBayer::BG:
-    return cv::COLOR_BayerRG2BGR;
+  case EBayer::RG: return cv::COLOR_BayerBG2BGR;
+  case EBayer::GR: return cv::COLOR_BayerGB2BGR;
+  case EBayer::GB: return cv::COLOR_BayerGR2BGR;
+  case EBayer::BG: return cv::COLOR_BayerRG2BGR;
   }
   return cv::COLOR_BayerBG2BGR;
 }
 
 const char* PatternName(EBayer pattern) {
   switch (pattern) {
-  case EBayer::RG:
-    return "RG";
-  case EBayer::GR:
-    return "GR";
-  case EBayer::GB:
-    return "GB";
-  case EBayer::BG:
-    return "BG";
+  case EBayer::RG: return "RG";
+  case EBayer::GR: return "GR";
+  case EBayer::GB: return "GB";
+  case EBayer::BG: return "BG";
   }
   return "?";
 }
@@ -127,11 +119,10 @@ std::vector<SComparison> MakeComparisons(std::vector<std::unique_ptr<SBuffers>>&
                       [&b, code] { cv::cvtColor(b.matIn, b.matOut, code); }});
     }
 
-    for (auto [format, name, bits] : {std::tuple{PixelFormat::BayerRG10, "BayerRG10", 10u},
-                                      std::tuple{PixelFormat::BayerGR12, "BayerGR12", 12u},
-                                      std::tuple{PixelFormat::BayerRG12, "BayerRG12", 12u},
-                                      std::tuple{PixelFormat::BayerBG14, "BayerBG14", 14u},
-                                      std::tuple{PixelFormat::BayerGB16, "BayerGB16", 16u}}) {
+    for (auto [format, name, bits] :
+         {std::tuple{PixelFormat::BayerRG10, "BayerRG10", 10u}, std::tuple{PixelFormat::BayerGR12, "BayerGR12", 12u},
+          std::tuple{PixelFormat::BayerRG12, "BayerRG12", 12u}, std::tuple{PixelFormat::BayerBG14, "BayerBG14", 14u},
+          std::tuple{PixelFormat::BayerGB16, "BayerGB16", 16u}}) {
       auto& b = *keep.emplace_back(std::make_unique<SBuffers>());
       b.input = RandomSamples(pixels, bits);
       b.matIn = cv::Mat(ch, cw, CV_16UC1, b.input.data());
@@ -152,9 +143,9 @@ std::vector<SComparison> MakeComparisons(std::vector<std::unique_ptr<SBuffers>>&
                         b.matScratch.convertTo(b.matOut, CV_8U, scale);
                       }});
     }
-    for (auto [format, name] : {std::pair{PixelFormat::BayerRG12p, "BayerRG12p"},
-                                std::pair{PixelFormat::BayerRG12Packed, "BayerRG12Packed"},
-                                std::pair{PixelFormat::BayerRG10p, "BayerRG10p"}}) {
+    for (auto [format, name] :
+         {std::pair{PixelFormat::BayerRG12p, "BayerRG12p"}, std::pair{PixelFormat::BayerRG12Packed, "BayerRG12Packed"},
+          std::pair{PixelFormat::BayerRG10p, "BayerRG10p"}}) {
       // The reference gets the same pixels unpacked to 16 bits, which only favours it.
       auto& b = *keep.emplace_back(std::make_unique<SBuffers>());
       b.input = RandomBytes(ImageSizeBytes(format, w, h));
@@ -206,12 +197,13 @@ std::vector<SComparison> MakeComparisons(std::vector<std::unique_ptr<SBuffers>>&
       auto& b = *keep.emplace_back(std::make_unique<SBuffers>());
       b.input = RandomBytes(3 * pixels);
       b.output.resize(3 * pixels + 4096);
-      list.push_back({"RGB8_to_BGR8", "libyuv_RAWToRGB24", size,
-                      [&b, w, h] { Pixel::SwapRedBlue(b.input.data(), b.output.data() + 1024, w, h); },
-                      [&b, cw, ch] { libyuv::RAWToRGB24(b.input.data(), 3 * cw, b.output.data() + 1024, 3 * cw, cw, ch); }});
+      list.push_back(
+          {"RGB8_to_BGR8", "libyuv_RAWToRGB24", size,
+           [&b, w, h] { Pixel::SwapRedBlue(b.input.data(), b.output.data() + 1024, w, h); },
+           [&b, cw, ch] { libyuv::RAWToRGB24(b.input.data(), 3 * cw, b.output.data() + 1024, 3 * cw, cw, ch); }});
     }
-    for (auto [name, bits] : {std::pair{"Mono10_to_Mono8", 10u}, std::pair{"Mono12_to_Mono8", 12u},
-                              std::pair{"Mono16_to_Mono8", 16u}}) {
+    for (auto [name, bits] :
+         {std::pair{"Mono10_to_Mono8", 10u}, std::pair{"Mono12_to_Mono8", 12u}, std::pair{"Mono16_to_Mono8", 16u}}) {
       auto& b = *keep.emplace_back(std::make_unique<SBuffers>());
       b.input = RandomSamples(pixels, bits);
       b.output.resize(pixels);
@@ -239,8 +231,7 @@ std::vector<SComparison> MakeComparisons(std::vector<std::unique_ptr<SBuffers>>&
         ours = [&b, w, h, bits = bits] { Pixel::UnpackLsbFirst(b.input.data(), b.output.data(), w, h, bits); };
       }
       // The target is half the memcpy rate of the input, so the ratio must be at least 0.5.
-      list.push_back({name, "memcpy_of_input_size", size, ours,
-                      [&b, inputBytes] {
+      list.push_back({name, "memcpy_of_input_size", size, ours, [&b, inputBytes] {
                         std::memcpy(b.scratch.data(), b.input.data(), inputBytes);
                         benchmark::ClobberMemory();
                       }});
@@ -278,8 +269,8 @@ int RunSummary() {
       spent += oursNow + theirsNow;
     }
     std::printf("%s %ux%u ratio=%.2f reference=%s ours_ms=%.4f reference_ms=%.4f\n", comparison.routine.c_str(),
-                comparison.size.width, comparison.size.height, theirs / ours, comparison.reference.c_str(),
-                ours * 1e3, theirs * 1e3);
+                comparison.size.width, comparison.size.height, theirs / ours, comparison.reference.c_str(), ours * 1e3,
+                theirs * 1e3);
     std::fflush(stdout);
   }
   return 0;
@@ -292,12 +283,13 @@ void RegisterBenchmarks(std::vector<std::unique_ptr<SBuffers>>& keep, const std:
     const uint64_t pixels = uint64_t{comparison.size.width} * comparison.size.height;
     auto ours = comparison.ours;
     auto theirs = comparison.theirs;
-    benchmark::RegisterBenchmark((comparison.routine + "/ours/" + size).c_str(), [ours, pixels](benchmark::State& state) {
-      for (auto _ : state) {
-        ours();
-      }
-      state.SetItemsProcessed(static_cast<int64_t>(state.iterations() * pixels));
-    });
+    benchmark::RegisterBenchmark((comparison.routine + "/ours/" + size).c_str(),
+                                 [ours, pixels](benchmark::State& state) {
+                                   for (auto _ : state) {
+                                     ours();
+                                   }
+                                   state.SetItemsProcessed(static_cast<int64_t>(state.iterations() * pixels));
+                                 });
     benchmark::RegisterBenchmark((comparison.routine + "/" + comparison.reference + "/" + size).c_str(),
                                  [theirs, pixels](benchmark::State& state) {
                                    for (auto _ : state) {
@@ -308,7 +300,7 @@ void RegisterBenchmarks(std::vector<std::unique_ptr<SBuffers>>& keep, const std:
   }
 }
 
-} // namespace
+}  // namespace
 
 int main(int argc, char** argv) {
   cv::setNumThreads(1);

@@ -31,4 +31,4 @@ TALVIR_API std::list<std::string> GetCLProtocols();
 // "KORIX#CL_GRABBER#SERIAL0.0", ...). Read once per process like GetCLProtocols.
 TALVIR_API std::list<std::string> GetCLSerials();
 
-} // namespace TALVIR
+}  // namespace TALVIR

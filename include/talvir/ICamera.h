@@ -79,4 +79,4 @@ protected:
   virtual ~ICamera() = default;
 };
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -12,9 +12,9 @@ namespace TALVIR {
 // The order of the operations is part of the binary interface.
 class TALVIR_API ICameraInfo {
 public:
-  virtual uint32_t GetTLType() const = 0;       // a TLType bit (talvir/TLType.h)
-  virtual uint32_t GetAccessStatus() const = 0; // the producer's device access status
-  virtual const char* GetDeviceID() const = 0;  // the producer's device ID, used to open the device
+  virtual uint32_t GetTLType() const = 0;        // a TLType bit (talvir/TLType.h)
+  virtual uint32_t GetAccessStatus() const = 0;  // the producer's device access status
+  virtual const char* GetDeviceID() const = 0;   // the producer's device ID, used to open the device
   virtual const char* GetSerialNumber() const = 0;
   virtual const char* GetVendor() const = 0;
   virtual const char* GetModel() const = 0;
@@ -32,4 +32,4 @@ protected:
   ~ICameraInfo() = default;
 };
 
-} // namespace TALVIR
+}  // namespace TALVIR

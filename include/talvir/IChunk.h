@@ -10,12 +10,12 @@ namespace TALVIR {
 // application. The order of the operations is part of the binary interface.
 class TALVIR_API IChunk {
 public:
-  virtual uint64_t GetChunkId() const = 0;         // the chunk ID the camera's description names (ChunkID of a port)
-  virtual const uint8_t* GetChunkData() const = 0; // the chunk's bytes inside the image buffer
-  virtual uint64_t GetChunkSize() const = 0;       // its length in bytes
+  virtual uint64_t GetChunkId() const = 0;          // the chunk ID the camera's description names (ChunkID of a port)
+  virtual const uint8_t* GetChunkData() const = 0;  // the chunk's bytes inside the image buffer
+  virtual uint64_t GetChunkSize() const = 0;        // its length in bytes
 
 protected:
   virtual ~IChunk() = default;
 };
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -28,4 +28,4 @@ protected:
   ~IXml() = default;
 };
 
-} // namespace TALVIR
+}  // namespace TALVIR

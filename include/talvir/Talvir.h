@@ -42,4 +42,4 @@ TALVIR_API ICamera* CreateCameraBySN(const char* serialNumber);
 // formats, 0x02180015 (BGR8) for colour formats, 0 for a format the library does not convert.
 TALVIR_API uint32_t ConvertedPixelFormat(uint32_t pixelFormat);
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -72,11 +72,9 @@ CHelperState& State() {
   return state;
 }
 
-} // namespace
+}  // namespace
 
-void SetCameraStatusCallback(void (*callback)(uint32_t address, bool online)) {
-  State().m_callback = callback;
-}
+void SetCameraStatusCallback(void (*callback)(uint32_t address, bool online)) { State().m_callback = callback; }
 
 void SetCameraFrameRate(uint32_t address, float framesPerSecond) {
   State().Record("SetCameraFrameRate", address, framesPerSecond);
@@ -90,34 +88,20 @@ void SetCameraTriggerSelector(uint32_t address, int lineStartTriggerOn) {
   State().Record("SetCameraTriggerSelector", address, lineStartTriggerOn);
 }
 
-void SetCameraSCPD(uint32_t address, uint32_t packetDelay) {
-  State().Record("SetCameraSCPD", address, packetDelay);
-}
+void SetCameraSCPD(uint32_t address, uint32_t packetDelay) { State().Record("SetCameraSCPD", address, packetDelay); }
 
 void SetCameraExposureTime(uint32_t address, float exposure) {
   State().Record("SetCameraExposureTime", address, exposure);
 }
 
-uint32_t HelperSimPushCount() {
-  return State().Count();
-}
+uint32_t HelperSimPushCount() { return State().Count(); }
 
-bool HelperSimGetPush(uint32_t index, SHelperPush* push) {
-  return State().Get(index, push);
-}
+bool HelperSimGetPush(uint32_t index, SHelperPush* push) { return State().Get(index, push); }
 
-void HelperSimClearPushes() {
-  State().Clear();
-}
+void HelperSimClearPushes() { State().Clear(); }
 
-bool HelperSimHasStatusCallback() {
-  return State().m_callback.load() != nullptr;
-}
+bool HelperSimHasStatusCallback() { return State().m_callback.load() != nullptr; }
 
-void HelperSimReportStatus(uint32_t address, bool online) {
-  State().Report(address, online);
-}
+void HelperSimReportStatus(uint32_t address, bool online) { State().Report(address, online); }
 
-void HelperSimWaitReports() {
-  State().WaitReports();
-}
+void HelperSimWaitReports() { State().WaitReports(); }

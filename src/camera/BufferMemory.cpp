@@ -8,7 +8,7 @@ namespace {
 // Cache-line aligned, so that the pixel routines' vector loads start on a line.
 constexpr std::align_val_t kAlignment{64};
 
-} // namespace
+}  // namespace
 
 std::shared_ptr<CBufferMemory> CBufferMemory::Allocate(size_t size) {
   if (size == 0) {
@@ -26,8 +26,6 @@ std::shared_ptr<CBufferMemory> CBufferMemory::Allocate(size_t size) {
   return std::shared_ptr<CBufferMemory>(memory);
 }
 
-CBufferMemory::~CBufferMemory() {
-  ::operator delete[](m_pData, kAlignment);
-}
+CBufferMemory::~CBufferMemory() { ::operator delete[](m_pData, kAlignment); }
 
-} // namespace TALVIR
+}  // namespace TALVIR

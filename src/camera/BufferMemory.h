@@ -26,4 +26,4 @@ private:
   size_t m_size;
 };
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -27,7 +27,7 @@ constexpr std::chrono::milliseconds kProbeRetryPause{50};
 
 constexpr size_t kStreamIDSize = 256;
 
-} // namespace
+}  // namespace
 
 CCamera::CCamera(CCameraInfo* info, CCameraRegistry* registry)
     : m_pInfo(info), m_pRegistry(registry), m_link(std::make_shared<CCameraLink>(this)) {
@@ -72,32 +72,23 @@ void CCamera::Release() {
 
 int32_t CCamera::AccessFlagsOf(uint32_t accessMode) {
   switch (accessMode) {
-  case AccessMode::Control:
-    return GenTL::DEVICE_ACCESS_CONTROL;
-  case AccessMode::ReadOnly:
-    return GenTL::DEVICE_ACCESS_READONLY;
+  case AccessMode::Control: return GenTL::DEVICE_ACCESS_CONTROL;
+  case AccessMode::ReadOnly: return GenTL::DEVICE_ACCESS_READONLY;
   case AccessMode::Exclusive:
-  default:
-    return GenTL::DEVICE_ACCESS_EXCLUSIVE;
+  default: return GenTL::DEVICE_ACCESS_EXCLUSIVE;
   }
 }
 
-int64_t CCamera::NowMs() const {
-  return m_clock ? m_clock() : static_cast<int64_t>(Platform::MonotonicMilliseconds());
-}
+int64_t CCamera::NowMs() const { return m_clock ? m_clock() : static_cast<int64_t>(Platform::MonotonicMilliseconds()); }
 
 void CCamera::SetClockForTesting(std::function<int64_t()> clock) {
   m_clock = std::move(clock);
   m_lastCheckMs = NowMs();
 }
 
-CCti* CCamera::Producer() const {
-  return m_pInfo != nullptr ? m_pInfo->Producer() : nullptr;
-}
+CCti* CCamera::Producer() const { return m_pInfo != nullptr ? m_pInfo->Producer() : nullptr; }
 
-uint32_t CCamera::TLType() const {
-  return m_pInfo != nullptr ? m_pInfo->GetTLType() : 0;
-}
+uint32_t CCamera::TLType() const { return m_pInfo != nullptr ? m_pInfo->GetTLType() : 0; }
 
 // ---- Open and close ----
 
@@ -244,17 +235,11 @@ void CCamera::CloseDevice() {
 
 // ---- Simple slots ----
 
-void CCamera::SetBufferCount(uint64_t count) {
-  m_bufferCount = count;
-}
+void CCamera::SetBufferCount(uint64_t count) { m_bufferCount = count; }
 
-uint64_t CCamera::GetBufferCount() {
-  return m_bufferCount;
-}
+uint64_t CCamera::GetBufferCount() { return m_bufferCount; }
 
-ICameraInfo* CCamera::GetCameraInfo() {
-  return m_pInfo;
-}
+ICameraInfo* CCamera::GetCameraInfo() { return m_pInfo; }
 
 IXml* CCamera::GetSystemXml() {
   CCti* const producer = Producer();
@@ -297,25 +282,15 @@ CCtiPort* CCamera::StreamPort() {
   return m_pStreamPort.get();
 }
 
-STransportInfo CCamera::GetTransportInfo() {
-  return STransportInfo{};
-}
+STransportInfo CCamera::GetTransportInfo() { return STransportInfo{}; }
 
-bool CCamera::IsSerialOnline() {
-  return false;
-}
+bool CCamera::IsSerialOnline() { return false; }
 
-int32_t CCamera::OpenSerial(const char* /*portName*/, const char* /*protocol*/) {
-  return Status::NotSupported;
-}
+int32_t CCamera::OpenSerial(const char* /*portName*/, const char* /*protocol*/) { return Status::NotSupported; }
 
-void CCamera::SetHandler(ICameraHandler* handler) {
-  m_pHandler = handler;
-}
+void CCamera::SetHandler(ICameraHandler* handler) { m_pHandler = handler; }
 
-bool CCamera::GetImageFillFlag() {
-  return true;
-}
+bool CCamera::GetImageFillFlag() { return true; }
 
 void CCamera::Notify(uint32_t code, uint64_t arg1, uint64_t arg2) {
   ICameraHandler* const handler = m_pHandler.load();
@@ -367,17 +342,10 @@ int32_t CCamera::CreateEventListener(uint32_t module, uint32_t eventType, IEvent
                                      std::unique_ptr<CEventListener>& listener) {
   CCtiPort* port = nullptr;
   switch (module) {
-  case EventModule::Device:
-    port = m_pDevicePort.get();
-    break;
-  case EventModule::RemoteDevice:
-    port = m_pRemotePort.get();
-    break;
-  case EventModule::DataStream:
-    port = m_pStreamPort.get();
-    break;
-  default:
-    return -1;
+  case EventModule::Device: port = m_pDevicePort.get(); break;
+  case EventModule::RemoteDevice: port = m_pRemotePort.get(); break;
+  case EventModule::DataStream: port = m_pStreamPort.get(); break;
+  default: return -1;
   }
   if (port == nullptr) {
     return -2;
@@ -456,9 +424,7 @@ bool CCamera::CheckOnline(GenApi::IPort* port) {
   return m_online.load();
 }
 
-uint64_t CCamera::GetProbeAddress() {
-  return 0;
-}
+uint64_t CCamera::GetProbeAddress() { return 0; }
 
 bool CCamera::ProbeDevice(GenApi::IPort* port) {
   std::lock_guard<std::mutex> lock(m_lock);
@@ -493,4 +459,4 @@ void CCamera::SetOnline(bool online) {
   m_lastCheckMs = NowMs();
 }
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -18,7 +18,7 @@
 
 namespace GenApi {
 struct IPort;
-} // namespace GenApi
+}  // namespace GenApi
 
 namespace TALVIR {
 
@@ -214,4 +214,4 @@ private:
   std::shared_ptr<CCameraLink> m_link;
 };
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -30,23 +30,18 @@ constexpr std::chrono::milliseconds kDrainPoll{20};
 
 int32_t StatusOfFetchError(GenTL::GC_ERROR error) {
   switch (error) {
-  case GenTL::GC_ERR_TIMEOUT:
-    return Status::Timeout;
-  case GenTL::GC_ERR_ABORT:
-    return Status::Aborted;
-  case GenTL::GC_ERR_BUFFER_TOO_SMALL:
-    return Status::BufferTooSmall;
-  case GenTL::GC_ERR_PARSING_CHUNK_DATA:
-    return Status::ChunkParseFailed;
-  case GenTL::GC_ERR_RESOURCE_EXHAUSTED:
-    return Status::ResourceExhausted;
-  default:
-    return Status::FetchFailed;
+  case GenTL::GC_ERR_TIMEOUT: return Status::Timeout;
+  case GenTL::GC_ERR_ABORT: return Status::Aborted;
+  case GenTL::GC_ERR_BUFFER_TOO_SMALL: return Status::BufferTooSmall;
+  case GenTL::GC_ERR_PARSING_CHUNK_DATA: return Status::ChunkParseFailed;
+  case GenTL::GC_ERR_RESOURCE_EXHAUSTED: return Status::ResourceExhausted;
+  default: return Status::FetchFailed;
   }
 }
 
 // Runs one feature step; a GenICam exception ends that step only.
-template <typename TStep> void Guarded(TStep&& step) {
+template <typename TStep>
+void Guarded(TStep&& step) {
   try {
     step();
   } catch (const GenICam::GenericException&) {
@@ -55,11 +50,9 @@ template <typename TStep> void Guarded(TStep&& step) {
 }
 
 // Neither not implemented nor not available.
-bool IsPresent(GenApi::INode* node) {
-  return node != nullptr && GenApi::IsAvailable(node->GetAccessMode());
-}
+bool IsPresent(GenApi::INode* node) { return node != nullptr && GenApi::IsAvailable(node->GetAccessMode()); }
 
-} // namespace
+}  // namespace
 
 // ---- Grabbing ----
 
@@ -261,7 +254,7 @@ int32_t CCamera::StartAcquisition(uint64_t count) {
       if (i == 0) {
         return Status::AnnounceFailed;
       }
-      break; // the buffers announced so far serve
+      break;  // the buffers announced so far serve
     }
     RecordBuffer(handle, std::move(memory));
     api.DSQueueBuffer(stream, handle);
@@ -382,9 +375,9 @@ void CCamera::RecordBuffer(void* handle, std::shared_ptr<CBufferMemory> memory) 
 void CCamera::RevokeBuffers() {
   CCti* const producer = m_pStreamPort != nullptr ? m_pStreamPort->Producer() : nullptr;
   for (auto& entry : m_buffers) {
-    const bool revoked =
-        producer != nullptr && producer->Api().DSRevokeBuffer != nullptr &&
-        producer->Api().DSRevokeBuffer(m_pStreamPort->Handle(), entry.first, nullptr, nullptr) == GenTL::GC_ERR_SUCCESS;
+    const bool revoked = producer != nullptr && producer->Api().DSRevokeBuffer != nullptr &&
+                         producer->Api().DSRevokeBuffer(m_pStreamPort->Handle(), entry.first, nullptr, nullptr) ==
+                             GenTL::GC_ERR_SUCCESS;
     if (!revoked) {
       // The producer still knows this buffer and may write into it: its memory stays until the stream closes.
       m_unrevoked.push_back(std::move(entry.second.memory));
@@ -442,8 +435,8 @@ int32_t CCamera::WaitImage(IImage** out, uint64_t timeoutMs) {
   const uint32_t checkMode = m_sizeCheckMode.load();
   if (checkMode == 1 || checkMode == 2) {
     const uint64_t payloadSize = m_payloadSize.load();
-    const uint64_t imageSize =
-        ImageSizeBytes(static_cast<uint32_t>(image->GetPixelFormat()), image->GetWidth(), image->GetHeight());
+    const uint64_t imageSize = ImageSizeBytes(static_cast<uint32_t>(image->GetPixelFormat()), image->GetWidth(),
+                                              image->GetHeight());
     if (checkMode == 1 && imageSize != payloadSize) {
       image->Release();
       *out = nullptr;
@@ -460,8 +453,8 @@ int32_t CCamera::WaitImage(IImage** out, uint64_t timeoutMs) {
 
 uint64_t CCamera::ComputePayloadSize() {
   // Frame grabbers know the payload in their data stream; cameras in their own features.
-  IXml* const source =
-      (TLType() & TLType::CXP) != 0 ? static_cast<IXml*>(m_pStreamPort.get()) : static_cast<IXml*>(m_pRemotePort.get());
+  IXml* const source = (TLType() & TLType::CXP) != 0 ? static_cast<IXml*>(m_pStreamPort.get())
+                                                     : static_cast<IXml*>(m_pRemotePort.get());
   GenApi::INodeMap* const features = source != nullptr ? source->GetNodeMap() : nullptr;
   uint64_t size = 0;
   if (features != nullptr) {
@@ -521,4 +514,4 @@ void CCamera::StoreGeometry(uint64_t width, uint64_t height, uint32_t pixelForma
   m_pixelFormat = pixelFormat;
 }
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -14,7 +14,8 @@ public:
 
   // Runs `action(camera)` while the camera is guaranteed to exist; returns false without running it otherwise.
   // Several images may use the link at once; only the camera's destruction waits for them.
-  template <typename TAction> bool WithCamera(TAction&& action) {
+  template <typename TAction>
+  bool WithCamera(TAction&& action) {
     std::shared_lock<std::shared_mutex> lock(m_mutex);
     if (m_pCamera == nullptr) {
       return false;
@@ -34,4 +35,4 @@ private:
   CCamera* m_pCamera;
 };
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -21,12 +21,8 @@ namespace {
 std::recursive_mutex g_currentLock;
 CCameraRegistry* g_current = nullptr;
 
-const char* AddressTextOf(ICameraInfo& info) {
-  return info.GetCustomInfo(CustomInfo::GevIPAddress);
-}
-const char* SerialOf(ICameraInfo& info) {
-  return info.GetSerialNumber();
-}
+const char* AddressTextOf(ICameraInfo& info) { return info.GetCustomInfo(CustomInfo::GevIPAddress); }
+const char* SerialOf(ICameraInfo& info) { return info.GetSerialNumber(); }
 
 // The GigE address's dotted text, least significant byte first, so that an address in network byte order prints
 // in its usual order.
@@ -34,7 +30,7 @@ constexpr size_t kAddressTextSize = 16;
 // U3V identifiers are compared with serial numbers over this many characters.
 constexpr size_t kU3vCompareLength = 8;
 
-} // namespace
+}  // namespace
 
 CCameraRegistry::CCameraRegistry(const std::string& helperName, const std::string& u3vProducerName) {
   m_cameras.max_load_factor(1.0f);
@@ -127,10 +123,8 @@ ICamera* CCameraRegistry::CreateSerialOnlyCamera() {
 
 CCamera* CCameraRegistry::MakeCamera(CCameraInfo* info) {
   switch (info->GetTLType()) {
-  case TLType::GEV:
-    return new (std::nothrow) CGevCamera(info, this);
-  case TLType::U3V:
-    return new (std::nothrow) CU3VCamera(info, this);
+  case TLType::GEV: return new (std::nothrow) CGevCamera(info, this);
+  case TLType::U3V: return new (std::nothrow) CU3VCamera(info, this);
   case TLType::CL:
   case TLType::CLHS:
     if (m_cameraLinkFactory) {
@@ -138,8 +132,7 @@ CCamera* CCameraRegistry::MakeCamera(CCameraInfo* info) {
     }
     // Without the Camera Link area (camera core tests) the common camera serves the frame grabber.
     return new (std::nothrow) CCamera(info, this);
-  default:
-    return new (std::nothrow) CCamera(info, this);
+  default: return new (std::nothrow) CCamera(info, this);
   }
 }
 
@@ -193,12 +186,12 @@ void CCameraRegistry::MarkOffline(uint32_t tlType, const char* text, size_t leng
     return;
   }
   // Only the transport's own camera class keeps a connection state that these reports change.
-  const bool ofClass =
-      tlType == TLType::GEV ? dynamic_cast<CGevCamera*>(found) != nullptr : dynamic_cast<CU3VCamera*>(found) != nullptr;
+  const bool ofClass = tlType == TLType::GEV ? dynamic_cast<CGevCamera*>(found) != nullptr
+                                             : dynamic_cast<CU3VCamera*>(found) != nullptr;
   // Notified under the lock, once per loss: the flag was set by the last open.
   if (ofClass && found->ExchangeConnected(false)) {
     found->Notify(Notification::DeviceLost, 0, 0);
   }
 }
 
-} // namespace TALVIR
+}  // namespace TALVIR

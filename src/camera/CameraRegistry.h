@@ -78,4 +78,4 @@ private:
   CameraLinkFactory m_cameraLinkFactory;
 };
 
-} // namespace TALVIR
+}  // namespace TALVIR

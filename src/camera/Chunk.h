@@ -19,8 +19,8 @@ public:
 
 private:
   uint64_t m_id;
-  const uint8_t* m_pData; // inside the image buffer, which the image keeps alive
+  const uint8_t* m_pData;  // inside the image buffer, which the image keeps alive
   uint64_t m_size;
 };
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -40,16 +40,12 @@ std::string UpperCase(std::string text) {
   return text;
 }
 
-uint64_t HexNumber(const std::string& text) {
-  return std::strtoull(text.c_str(), nullptr, 16);
-}
+uint64_t HexNumber(const std::string& text) { return std::strtoull(text.c_str(), nullptr, 16); }
 
 // Zero bytes, control characters and anything beyond ASCII that a module leaves after the XML text.
-bool IsTrailingJunk(unsigned char c) {
-  return c < 10 || c > 126;
-}
+bool IsTrailingJunk(unsigned char c) { return c < 10 || c > 126; }
 
-} // namespace
+}  // namespace
 
 CCtiPort::CCtiPort(CCti* producer, void* handle) : m_pCti(producer), m_hPort(handle) {}
 
@@ -199,4 +195,4 @@ std::unique_ptr<IGenTLModule> MakeCtiPort(CCti& producer, void* handle) {
   return std::make_unique<CCtiPort>(&producer, handle);
 }
 
-} // namespace TALVIR
+}  // namespace TALVIR

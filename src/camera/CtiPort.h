@@ -60,4 +60,4 @@ private:
 // The producer's module records: ports with node maps.
 std::unique_ptr<IGenTLModule> MakeCtiPort(CCti& producer, void* handle);
 
-} // namespace TALVIR
+}  // namespace TALVIR

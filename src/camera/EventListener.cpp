@@ -16,22 +16,21 @@ constexpr std::chrono::milliseconds kFailurePause{10};
 // The delivered bytes the record is built from: the extended layout reaches byte 31.
 constexpr size_t kHeaderBytes = 32;
 
-template <typename T> T ReadAt(const uint8_t* data, size_t offset) {
+template <typename T>
+T ReadAt(const uint8_t* data, size_t offset) {
   T value;
   std::memcpy(&value, data + offset, sizeof value);
   return value;
 }
 
-} // namespace
+}  // namespace
 
 CEventListener::CEventListener(CCti* producer, void* module, uint32_t eventType, IEventCallback* callback,
                                uint32_t layoutVersion)
     : m_pProducer(producer), m_hModule(module), m_eventType(eventType), m_pCallback(callback),
       m_layoutVersion(layoutVersion), m_data(kDataSize, 0) {}
 
-CEventListener::~CEventListener() {
-  Stop();
-}
+CEventListener::~CEventListener() { Stop(); }
 
 int32_t CEventListener::Start() {
   if (m_pProducer == nullptr || m_hModule == nullptr || m_pProducer->Api().GCRegisterEvent == nullptr ||
@@ -108,4 +107,4 @@ void CEventListener::RewriteRecord(uint8_t* data, size_t size, uint32_t layoutVe
   data[24] = 0;
 }
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -26,7 +26,8 @@ constexpr int64_t kImageTimeoutMs = 2000;
 // The fetch result that counts as a packet time-out: an image delivered incomplete.
 constexpr int32_t kPacketTimeoutResult = Status::ImageIncomplete;
 
-template <typename TNode> GenApi::CPointer<TNode> NodeOf(GenApi::INodeMap& features, const char* name) {
+template <typename TNode>
+GenApi::CPointer<TNode> NodeOf(GenApi::INodeMap& features, const char* name) {
   GenApi::INode* const node = features.GetNode(name);
   GenApi::CPointer<TNode> typed(node);
   if (node != nullptr && !typed.IsValid()) {
@@ -35,7 +36,7 @@ template <typename TNode> GenApi::CPointer<TNode> NodeOf(GenApi::INodeMap& featu
   return typed;
 }
 
-} // namespace
+}  // namespace
 
 CGevCamera::CGevCamera(CCameraInfo* info, CCameraRegistry* registry) : CCamera(info, registry) {
   const char* const text = info != nullptr ? info->GetCustomInfo(CustomInfo::GevIPAddress) : nullptr;
@@ -45,9 +46,7 @@ CGevCamera::CGevCamera(CCameraInfo* info, CCameraRegistry* registry) : CCamera(i
   }
 }
 
-CGevCamera::~CGevCamera() {
-  m_pBigEndianNode.Release();
-}
+CGevCamera::~CGevCamera() { m_pBigEndianNode.Release(); }
 
 STransportInfo CGevCamera::GetTransportInfo() {
   STransportInfo info{};
@@ -60,9 +59,7 @@ STransportInfo CGevCamera::GetTransportInfo() {
   return info;
 }
 
-bool CGevCamera::GetImageFillFlag() {
-  return m_pixelBigEndian.load();
-}
+bool CGevCamera::GetImageFillFlag() { return m_pixelBigEndian.load(); }
 
 int32_t CGevCamera::OpenDevice(uint32_t accessMode) {
   const int32_t result = CCamera::OpenDevice(accessMode);
@@ -282,4 +279,4 @@ int32_t CGevCamera::WaitImage(IImage** out, uint64_t timeoutMs) {
   return result;
 }
 
-} // namespace TALVIR
+}  // namespace TALVIR

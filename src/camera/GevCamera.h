@@ -18,7 +18,7 @@ namespace PartialImageMode {
 constexpr uint32_t Output = 0;
 constexpr uint32_t Discard = 1;
 constexpr uint32_t Filled = 2;
-} // namespace PartialImageMode
+}  // namespace PartialImageMode
 
 class CGevCamera final : public CCamera {
 public:
@@ -59,4 +59,4 @@ private:
   std::atomic<uint64_t> m_packetCounter3{0};
 };
 
-} // namespace TALVIR
+}  // namespace TALVIR

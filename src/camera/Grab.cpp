@@ -15,7 +15,7 @@ constexpr uint64_t kFetchTimeoutMs = 100;
 // again, instead of spinning.
 constexpr std::chrono::milliseconds kRetryDelay{10};
 
-} // namespace
+}  // namespace
 
 CGrab::CGrab(CCamera* camera, uint32_t mode) : m_pCamera(camera), m_mode(mode) {
   if (!IsDirect()) {
@@ -23,13 +23,9 @@ CGrab::CGrab(CCamera* camera, uint32_t mode) : m_pCamera(camera), m_mode(mode) {
   }
 }
 
-CGrab::~CGrab() {
-  Stop();
-}
+CGrab::~CGrab() { Stop(); }
 
-bool CGrab::IsDirect() const {
-  return m_mode != GrabMode::Newest && m_mode != GrabMode::Fresh;
-}
+bool CGrab::IsDirect() const { return m_mode != GrabMode::Newest && m_mode != GrabMode::Fresh; }
 
 void CGrab::Stop() {
   {
@@ -136,4 +132,4 @@ int32_t CGrab::TakeImage(IImage** out, uint32_t timeoutMs, Clock::time_point fre
   }
 }
 
-} // namespace TALVIR
+}  // namespace TALVIR

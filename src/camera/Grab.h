@@ -52,4 +52,4 @@ private:
   std::condition_variable m_changed;
 };
 
-} // namespace TALVIR
+}  // namespace TALVIR

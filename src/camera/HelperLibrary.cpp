@@ -3,11 +3,12 @@
 namespace TALVIR {
 namespace {
 
-template <typename TFunction> TFunction Bind(Platform::ModuleHandle module, const char* name) {
+template <typename TFunction>
+TFunction Bind(Platform::ModuleHandle module, const char* name) {
   return reinterpret_cast<TFunction>(Platform::FindSymbol(module, name));
 }
 
-} // namespace
+}  // namespace
 
 CHelperLibrary& CHelperLibrary::Process() {
   static CHelperLibrary link;
@@ -51,4 +52,4 @@ bool CHelperLibrary::HasSetFunctions() const {
          SetCameraExposureTime.load() != nullptr;
 }
 
-} // namespace TALVIR
+}  // namespace TALVIR

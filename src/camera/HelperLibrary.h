@@ -50,4 +50,4 @@ private:
   std::string m_name;
 };
 
-} // namespace TALVIR
+}  // namespace TALVIR

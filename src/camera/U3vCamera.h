@@ -16,4 +16,4 @@ protected:
   ~CU3VCamera() override = default;
 };
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -17,7 +17,7 @@ void FillTemplates(std::vector<std::string>& out) {
   out.assign(templates.begin(), templates.end());
 }
 
-} // namespace
+}  // namespace
 
 std::list<std::string> CachedList(std::list<std::string>& cache,
                                   const std::function<void(std::vector<std::string>&)>& fill) {
@@ -51,4 +51,4 @@ std::list<std::string> GetCachedCLProtocols() {
   return CachedList(cache, &FillTemplates);
 }
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -18,4 +18,4 @@ std::list<std::string> GetCachedCLProtocols();
 std::list<std::string> CachedList(std::list<std::string>& cache,
                                   const std::function<void(std::vector<std::string>&)>& fill);
 
-} // namespace TALVIR
+}  // namespace TALVIR

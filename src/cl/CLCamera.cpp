@@ -46,7 +46,7 @@ void WriteTLParamsLocked(GenApi::INodeMap* features, int64_t value) {
   }
 }
 
-} // namespace
+}  // namespace
 
 CCLCamera::CCLCamera(CCameraInfo* info, CCameraRegistry* registry) : CCamera(info, registry) {}
 
@@ -234,4 +234,4 @@ CCamera* MakeCLCamera(CCameraInfo* info, CCameraRegistry* registry) {
   return new (std::nothrow) CCLCamera(info, registry);
 }
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -67,4 +67,4 @@ private:
 // The registry's factory for Camera Link cameras (installed by the library front).
 CCamera* MakeCLCamera(CCameraInfo* info, CCameraRegistry* registry);
 
-} // namespace TALVIR
+}  // namespace TALVIR

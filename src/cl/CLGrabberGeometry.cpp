@@ -6,9 +6,7 @@
 
 namespace TALVIR {
 
-uint64_t SGrabberGeometry::PayloadSize() const {
-  return ImageSizeBytes(pixelFormat, width, height);
-}
+uint64_t SGrabberGeometry::PayloadSize() const { return ImageSizeBytes(pixelFormat, width, height); }
 
 bool ReadGrabberGeometry(GenApi::INodeMap& grabber, SGrabberGeometry& geometry) {
   try {
@@ -40,4 +38,4 @@ bool ReadGrabberGeometry(GenApi::INodeMap& grabber, SGrabberGeometry& geometry) 
   }
 }
 
-} // namespace TALVIR
+}  // namespace TALVIR

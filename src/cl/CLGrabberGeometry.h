@@ -5,7 +5,7 @@
 
 namespace GenApi {
 struct INodeMap;
-} // namespace GenApi
+}  // namespace GenApi
 
 namespace TALVIR {
 
@@ -23,4 +23,4 @@ struct SGrabberGeometry {
 // missing, not readable, not positive, or when reading throws.
 bool ReadGrabberGeometry(GenApi::INodeMap& grabber, SGrabberGeometry& geometry);
 
-} // namespace TALVIR
+}  // namespace TALVIR

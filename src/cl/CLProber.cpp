@@ -26,11 +26,9 @@ void BoundedCopy(char (&field)[256], const std::string& text) {
   }
 }
 
-} // namespace
+}  // namespace
 
-std::vector<std::string> ListSerialFriendlyNames() {
-  return Platform::ListSerialPortFriendlyNames();
-}
+std::vector<std::string> ListSerialFriendlyNames() { return Platform::ListSerialPortFriendlyNames(); }
 
 CCLProber::CCLProber(const std::string& deviceIdTemplate, std::list<CLProbeRecord>* results)
     : CCLProber(deviceIdTemplate, results, ListSerialFriendlyNames()) {}
@@ -126,4 +124,4 @@ void CCLProber::AddProbeResult(const char* portId, const char* answer) {
   m_results->push_back(record);
 }
 
-} // namespace TALVIR
+}  // namespace TALVIR

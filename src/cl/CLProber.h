@@ -50,11 +50,11 @@ public:
 
 private:
   std::string m_deviceIdTemplate;
-  std::list<CLProbeRecord>* m_results; // not owned; records are appended
+  std::list<CLProbeRecord>* m_results;  // not owned; records are appended
   std::vector<std::regex> m_excludePatterns;
   std::regex m_comPattern;
   std::set<int> m_seenComNumbers;
   std::regex m_deviceIdPattern;
 };
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -10,7 +10,7 @@ constexpr const char* kPlatformFolder = "Linux64_x64";
 constexpr const char* kDriverFile = "libTavCLProtocolGenCP.so";
 constexpr const char* kManufacturerAndFamily = "KORIX#GENCP02";
 
-} // namespace
+}  // namespace
 
 std::string GetModuleDirectory() { return Platform::OwnModuleDirectory(); }
 
@@ -22,4 +22,4 @@ std::string GetCLProtocolDeviceIDTemplate() {
   return GetModuleDirectory() + folder + kPlatformFolder + "#" + kDriverFile + "#" + kManufacturerAndFamily;
 }
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -12,4 +12,4 @@ std::string GetModuleDirectory();
 // relative path exists from the current directory, the second otherwise.
 std::string GetCLProtocolDeviceIDTemplate();
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -54,9 +54,7 @@ int CCLRemote::Open(const char* portId, const char* deviceId) {
   return result;
 }
 
-GenApi::EAccessMode CCLRemote::GetAccessMode() const {
-  return m_pCLPort ? m_pCLPort->GetAccessMode() : GenApi::NA;
-}
+GenApi::EAccessMode CCLRemote::GetAccessMode() const { return m_pCLPort ? m_pCLPort->GetAccessMode() : GenApi::NA; }
 
 void CCLRemote::Read(void* buffer, int64_t address, int64_t length) {
   if (m_pCLPort) {
@@ -70,20 +68,14 @@ void CCLRemote::Write(const void* buffer, int64_t address, int64_t length) {
   }
 }
 
-std::string CCLRemote::GetXmlFileName() {
-  return m_deviceId;
-}
+std::string CCLRemote::GetXmlFileName() { return m_deviceId; }
 
-std::string CCLRemote::GetXmlFileExtension() {
-  return "xml";
-}
+std::string CCLRemote::GetXmlFileExtension() { return "xml"; }
 
-std::string CCLRemote::GetXmlData() {
-  return m_xml;
-}
+std::string CCLRemote::GetXmlData() { return m_xml; }
 
 GenApi::INodeMap* CCLRemote::GetNodeMap() {
   return m_xml.empty() ? nullptr : static_cast<GenApi::INodeMap*>(m_nodeMap);
 }
 
-} // namespace TALVIR
+}  // namespace TALVIR

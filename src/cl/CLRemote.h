@@ -44,4 +44,4 @@ private:
   GenApi::CNodeMapRef m_nodeMap{"Device"};
 };
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -46,4 +46,4 @@ std::list<ICameraInfo*> DiscoverCLSerialCameras() {
   return records;
 }
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -19,4 +19,4 @@ CCameraInfo* MakeCLSerialRecord(const CLProbeRecord& probe);
 // Probes every serial port (our driver's template, 500 ms a port) and returns one record per answering camera.
 std::list<ICameraInfo*> DiscoverCLSerialCameras();
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -23,7 +23,7 @@ std::string BaseName(const std::string& path) {
   return separator == std::string::npos ? path : path.substr(separator + 1);
 }
 
-} // namespace
+}  // namespace
 
 CCtiManager::CCtiManager(std::string directory, const std::string& helperName, const std::string& u3vProducerName)
     : m_directory(std::move(directory)) {
@@ -215,4 +215,4 @@ ProducerReport CCtiManager::ProducerStatus(const std::string& fileName, CCti*& p
   return report;
 }
 
-} // namespace TALVIR
+}  // namespace TALVIR

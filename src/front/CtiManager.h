@@ -98,4 +98,4 @@ private:
   CDiscoveryRecord m_lastDiscovery;
 };
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -28,7 +28,7 @@ std::vector<CCti*> LoadProducers(CCtiManager& manager, const std::vector<std::st
   return producers;
 }
 
-} // namespace
+}  // namespace
 
 std::list<ICameraInfo*> DiscoverWithProducers(const std::vector<CCti*>& producers) {
   std::list<ICameraInfo*> result;
@@ -103,4 +103,4 @@ std::list<ICameraInfo*> DiscoverByTLType(CCtiManager& manager, uint64_t mask) {
   return DiscoverWithProducers(selected);
 }
 
-} // namespace TALVIR
+}  // namespace TALVIR

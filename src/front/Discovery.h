@@ -25,4 +25,4 @@ std::list<ICameraInfo*> DiscoverByName(CCtiManager& manager, const char* name);
 // ports instead and lists the Camera Link cameras that answer.
 std::list<ICameraInfo*> DiscoverByTLType(CCtiManager& manager, uint64_t mask);
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -97,7 +97,7 @@ private:
   bool m_stopOnFirstError;
 };
 
-} // namespace
+}  // namespace
 
 std::list<std::string> SplitProducerNames(const std::string& value) {
   std::list<std::string> names;
@@ -154,4 +154,4 @@ std::optional<CDiscoveryConfig> ReadDiscoveryConfig(const std::string& path) {
   return ParseDiscoveryConfigText(std::string(content->begin(), content->end()));
 }
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -39,4 +39,4 @@ std::optional<CDiscoveryConfig> ParseDiscoveryConfigText(const std::string& text
 // Every setting of the file at `path`; nothing when it cannot be read or parsed.
 std::optional<CDiscoveryConfig> ReadDiscoveryConfig(const std::string& path);
 
-} // namespace TALVIR
+}  // namespace TALVIR

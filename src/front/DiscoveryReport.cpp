@@ -41,8 +41,7 @@ std::string NotLoadedText(const ProducerReport& producer) {
       text += "; the producer says: " + producer.lastErrorText;
     }
     break;
-  default:
-    return text;
+  default: return text;
   }
   return text + ". A name that failed is not tried again until UnInit and Init.";
 }
@@ -88,7 +87,7 @@ ProducerReport ReportProducer(CCtiManager& manager, const CDiscoveryRecord& reco
   return report;
 }
 
-} // namespace
+}  // namespace
 
 DiscoveryReport BuildDiscoveryReport(CCtiManager& manager) {
   DiscoveryReport report;
@@ -116,4 +115,4 @@ DiscoveryReport BuildDiscoveryReport(CCtiManager& manager) {
   return report;
 }
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -8,4 +8,4 @@ class CCtiManager;
 
 DiscoveryReport BuildDiscoveryReport(CCtiManager& manager);
 
-} // namespace TALVIR
+}  // namespace TALVIR

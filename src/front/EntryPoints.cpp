@@ -21,7 +21,7 @@ namespace {
 // The one manager of the process, between Init and UnInit. Init and UnInit must not race with other calls.
 CCtiManager* g_manager = nullptr;
 
-} // namespace
+}  // namespace
 
 ICamera* CreateCameraBySerial(CCtiManager& manager, const char* serialNumber, const CameraFactory& createCamera) {
   if (serialNumber == nullptr || serialNumber[0] == '\0') {
@@ -99,17 +99,11 @@ ICamera* CreateCameraWithCLCamOnly() {
   return g_manager->Registry()->CreateSerialOnlyCamera();
 }
 
-std::list<std::string> GetCLProtocols() {
-  return GetCachedCLProtocols();
-}
+std::list<std::string> GetCLProtocols() { return GetCachedCLProtocols(); }
 
-std::list<std::string> GetCLSerials() {
-  return GetCachedCLSerials();
-}
+std::list<std::string> GetCLSerials() { return GetCachedCLSerials(); }
 
-uint32_t ConvertedPixelFormat(uint32_t pixelFormat) {
-  return CImgTool::OutputFormatOf(pixelFormat);
-}
+uint32_t ConvertedPixelFormat(uint32_t pixelFormat) { return CImgTool::OutputFormatOf(pixelFormat); }
 
 DiscoveryReport GetDiscoveryReport() {
   if (g_manager == nullptr) {
@@ -118,16 +112,10 @@ DiscoveryReport GetDiscoveryReport() {
   return BuildDiscoveryReport(*g_manager);
 }
 
-const char* OpenStatusText(int32_t openStatus) {
-  return OpenProducerStatusText(openStatus);
-}
+const char* OpenStatusText(int32_t openStatus) { return OpenProducerStatusText(openStatus); }
 
-const char* GenTLErrorName(int32_t errorCode) {
-  return GenTLErrorCodeName(errorCode);
-}
+const char* GenTLErrorName(int32_t errorCode) { return GenTLErrorCodeName(errorCode); }
 
-void SetDiagnosticCallback(DiagnosticCallback callback, void* context) {
-  CDiagnosticSink::Set(callback, context);
-}
+void SetDiagnosticCallback(DiagnosticCallback callback, void* context) { CDiagnosticSink::Set(callback, context); }
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -16,4 +16,4 @@ using CameraFactory = std::function<ICamera*(ICameraInfo*)>;
 // afterwards. Null for a null or empty serial number or a device that is not found.
 ICamera* CreateCameraBySerial(CCtiManager& manager, const char* serialNumber, const CameraFactory& createCamera);
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -14,7 +14,7 @@ bool SameText(const char* a, const char* b) {
   return std::strcmp(a, b) == 0;
 }
 
-} // namespace
+}  // namespace
 
 CCameraInfo::CCameraInfo(CCti* producer, IGenTLModule* interfaceModule)
     : m_producer(producer), m_interface(interfaceModule) {}
@@ -49,4 +49,4 @@ bool SameDevice(const CCameraInfo& record, const ICameraInfo* other) {
   return true;
 }
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -60,4 +60,4 @@ private:
 // A record of a serial-port-only Camera Link camera never equals anything.
 bool SameDevice(const CCameraInfo& record, const ICameraInfo* other);
 
-} // namespace TALVIR
+}  // namespace TALVIR

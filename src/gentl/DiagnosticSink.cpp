@@ -20,7 +20,7 @@ CRegistration& Registration() {
 // Set while this thread runs the callback.
 thread_local bool t_inCallback = false;
 
-} // namespace
+}  // namespace
 
 std::atomic<bool> CDiagnosticSink::s_enabled{false};
 
@@ -53,4 +53,4 @@ void CDiagnosticSink::Deliver(const GenTLCallFailure& failure) {
   t_inCallback = false;
 }
 
-} // namespace TALVIR
+}  // namespace TALVIR

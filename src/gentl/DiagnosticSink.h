@@ -22,4 +22,4 @@ private:
   static std::atomic<bool> s_enabled;
 };
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -19,4 +19,4 @@ const char* OpenProducerStatusText(int32_t status);
 // asking is not itself reported as a failure.
 std::string ProducerLastErrorText(GenTL::PFN_GCGetLastError getLastError, int32_t* code = nullptr);
 
-} // namespace TALVIR
+}  // namespace TALVIR

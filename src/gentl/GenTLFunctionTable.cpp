@@ -30,9 +30,7 @@ bool IsOptionalName(const char* name) {
   return false;
 }
 
-bool StartsWith(const char* name, const char* prefix) {
-  return std::strncmp(name, prefix, std::strlen(prefix)) == 0;
-}
+bool StartsWith(const char* name, const char* prefix) { return std::strncmp(name, prefix, std::strlen(prefix)) == 0; }
 
 // GenTL names its functions after the module whose handle they take first.
 const char* HandleKindOfName(const char* name) {
@@ -74,19 +72,16 @@ const std::array<CFunctionSlot, kGenTLFunctionCount>& Slots() {
 }
 
 // dlsym gives object pointers; each table entry has its own function-pointer type.
-template <typename TEntry> void Assign(TEntry& entry, void* symbol, const CGenTLCallContext* context) {
+template <typename TEntry>
+void Assign(TEntry& entry, void* symbol, const CGenTLCallContext* context) {
   entry.Bind(reinterpret_cast<typename TEntry::Pointer>(symbol), context);
 }
 
-} // namespace
+}  // namespace
 
-bool IsRequiredGenTLFunction(size_t index) {
-  return index < kGenTLFunctionCount && Slots()[index].required;
-}
+bool IsRequiredGenTLFunction(size_t index) { return index < kGenTLFunctionCount && Slots()[index].required; }
 
-const char* GenTLFunctionName(size_t index) {
-  return index < kGenTLFunctionCount ? Slots()[index].name : nullptr;
-}
+const char* GenTLFunctionName(size_t index) { return index < kGenTLFunctionCount ? Slots()[index].name : nullptr; }
 
 const char* GenTLHandleKind(size_t index) {
   return index < kGenTLFunctionCount ? Slots()[index].handleKind : "library";
@@ -118,22 +113,22 @@ bool BindGenTLFunctions(Platform::ModuleHandle module, CGenTLFunctionTable& tabl
   size_t index = 0;
   bool complete = true;
   // Each expansion binds one function; once a required one is missing, the rest are skipped.
-#define TALVIR_GENTL_BIND(name)                                                                                        \
-  if (complete) {                                                                                                      \
-    void* symbol = Platform::FindSymbol(module, #name);                                                                \
-    if (symbol == nullptr && Slots()[index].required) {                                                                \
-      complete = false;                                                                                                \
-      if (missingFunction != nullptr) {                                                                                \
-        *missingFunction = #name;                                                                                      \
-      }                                                                                                                \
-    } else {                                                                                                           \
-      Assign(table.name, symbol, context);                                                                             \
-    }                                                                                                                  \
-    ++index;                                                                                                           \
+#define TALVIR_GENTL_BIND(name) \
+  if (complete) { \
+    void* symbol = Platform::FindSymbol(module, #name); \
+    if (symbol == nullptr && Slots()[index].required) { \
+      complete = false; \
+      if (missingFunction != nullptr) { \
+        *missingFunction = #name; \
+      } \
+    } else { \
+      Assign(table.name, symbol, context); \
+    } \
+    ++index; \
   }
   GENTL_FOR_EACH_FUNCTION_1_5(TALVIR_GENTL_BIND)
 #undef TALVIR_GENTL_BIND
   return complete;
 }
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -28,17 +28,18 @@ struct CGenTLCallContext {
 // Reports one failed call to the diagnostic sink, with the producer's last-error text.
 void ReportFailedGenTLCall(const CGenTLCallContext* context, size_t index, const void* handle, GenTL::GC_ERROR code);
 
-template <typename TArgument> const void* HandleArgument(TArgument) {
+template <typename TArgument>
+const void* HandleArgument(TArgument) {
   return nullptr;
 }
-inline const void* HandleArgument(void* handle) {
-  return handle;
-}
+inline const void* HandleArgument(void* handle) { return handle; }
 
-template <size_t Index, typename TFunction> class CGenTLEntry;
+template <size_t Index, typename TFunction>
+class CGenTLEntry;
 
 // One table entry: the producer's function, called like it. A null entry compares equal to nullptr.
-template <size_t Index, typename... TArguments> class CGenTLEntry<Index, GenTL::GC_ERROR(GC_CALLTYPE*)(TArguments...)> {
+template <size_t Index, typename... TArguments>
+class CGenTLEntry<Index, GenTL::GC_ERROR(GC_CALLTYPE*)(TArguments...)> {
 public:
   using Pointer = GenTL::GC_ERROR(GC_CALLTYPE*)(TArguments...);
 
@@ -65,7 +66,8 @@ public:
 
 private:
   static const void* FirstHandle() { return nullptr; }
-  template <typename TFirst, typename... TRest> static const void* FirstHandle(TFirst first, TRest...) {
+  template <typename TFirst, typename... TRest>
+  static const void* FirstHandle(TFirst first, TRest...) {
     return HandleArgument(first);
   }
 
@@ -101,4 +103,4 @@ const char* GenTLHandleKind(size_t index);
 bool BindGenTLFunctions(Platform::ModuleHandle module, CGenTLFunctionTable& table,
                         const CGenTLCallContext* context = nullptr, std::string* missingFunction = nullptr);
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -31,4 +31,4 @@ private:
   void* m_handle;
 };
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -41,4 +41,4 @@ void CGevCti::FillCameraInfo(CCameraInfo& record, const std::string& deviceID) {
   ApplyGevDeviceRecord(gevRecord, record);
 }
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -22,4 +22,4 @@ private:
   void* m_extraPointer = nullptr;
 };
 
-} // namespace TALVIR
+}  // namespace TALVIR

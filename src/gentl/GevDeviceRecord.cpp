@@ -28,7 +28,7 @@ std::string MacText(const GevDeviceRecord& record, char separator) {
   return text;
 }
 
-} // namespace
+}  // namespace
 
 std::string GevDottedAddress(const GevDeviceRecord& record, size_t offset) {
   const uint8_t* bytes = record.data() + offset;
@@ -61,4 +61,4 @@ void ApplyGevDeviceRecord(const GevDeviceRecord& gevRecord, CCameraInfo& record)
   record.m_accessStatus = HostValue(gevRecord, GevRecord::AccessStatus);
 }
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -66,4 +66,4 @@ uint64_t CRef::ReferenceCount() const {
   return m_refCount;
 }
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -34,4 +34,4 @@ private:
   std::condition_variable m_lastReleased;
 };
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -14,12 +14,12 @@ struct TLTypeEntry {
 
 // Searched in this order; the first exact match wins.
 constexpr TLTypeEntry kTLTypeTable[] = {
-    {"GEV", TLType::GEV},   {"CL", TLType::CL},   {"IIDC", TLType::IIDC},         {"UVC", TLType::UVC},
-    {"CXP", TLType::CXP},   {"CLHS", TLType::CLHS}, {"U3V", TLType::U3V},         {"Ethernet", TLType::Ethernet},
+    {"GEV", TLType::GEV}, {"CL", TLType::CL},     {"IIDC", TLType::IIDC}, {"UVC", TLType::UVC},
+    {"CXP", TLType::CXP}, {"CLHS", TLType::CLHS}, {"U3V", TLType::U3V},   {"Ethernet", TLType::Ethernet},
     {"PCI", TLType::PCI},
 };
 
-} // namespace
+}  // namespace
 
 uint32_t TLTypeFromName(const std::string& name) {
   for (const TLTypeEntry& entry : kTLTypeTable) {
@@ -39,4 +39,4 @@ const char* TLTypeName(uint32_t tlType) {
   return "";
 }
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -12,4 +12,4 @@ uint32_t TLTypeFromName(const std::string& name);
 // The table's name for a single bit ("GEV", ...); empty for any other value.
 const char* TLTypeName(uint32_t tlType);
 
-} // namespace TALVIR
+}  // namespace TALVIR

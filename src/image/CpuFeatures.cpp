@@ -19,10 +19,10 @@ bool HardwareHasAvx2() {
 #endif
 }
 
-} // namespace
+}  // namespace
 
 bool CpuHasAvx2() { return HardwareHasAvx2() && g_avx2Allowed.load(std::memory_order_relaxed); }
 
 void SetAvx2AllowedForTesting(bool allowed) { g_avx2Allowed.store(allowed, std::memory_order_relaxed); }
 
-} // namespace TALVIR::Pixel
+}  // namespace TALVIR::Pixel

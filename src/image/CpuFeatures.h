@@ -10,4 +10,4 @@ bool CpuHasAvx2();
 // same dispatchers the library uses. Never called by the library itself.
 void SetAvx2AllowedForTesting(bool allowed);
 
-} // namespace TALVIR::Pixel
+}  // namespace TALVIR::Pixel

@@ -39,7 +39,7 @@ void Put(uint8_t* out, EColour colour, unsigned value) {
   out[index] = static_cast<uint8_t>(value);
 }
 
-} // namespace
+}  // namespace
 
 uint32_t LastInteriorColumn(uint32_t width) { return (width - 2) / 2 * 2; }
 
@@ -107,15 +107,9 @@ void DemosaicByCells(const uint8_t* source, uint8_t* destination, uint32_t width
         for (uint32_t dx = 0; dx < 2; ++dx) {
           const unsigned sample = source[uint64_t{cellY + dy} * width + cellX + dx];
           switch (ColourAt(pattern, cellX + dx, cellY + dy)) {
-          case EColour::Red:
-            red = sample;
-            break;
-          case EColour::Blue:
-            blue = sample;
-            break;
-          case EColour::Green:
-            greenSum += sample;
-            break;
+          case EColour::Red: red = sample; break;
+          case EColour::Blue: blue = sample; break;
+          case EColour::Green: greenSum += sample; break;
           }
         }
       }
@@ -128,7 +122,7 @@ void DemosaicByCells(const uint8_t* source, uint8_t* destination, uint32_t width
   }
 }
 
-} // namespace Detail
+}  // namespace Detail
 
 namespace Reference {
 
@@ -150,7 +144,7 @@ bool Demosaic(const uint8_t* source, uint8_t* destination, uint32_t width, uint3
   return true;
 }
 
-} // namespace Reference
+}  // namespace Reference
 
 bool Demosaic(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height, EBayer pattern) {
 #if TALVIR_IMAGE_HAS_AVX2
@@ -161,4 +155,4 @@ bool Demosaic(const uint8_t* source, uint8_t* destination, uint32_t width, uint3
   return Reference::Demosaic(source, destination, width, height, pattern);
 }
 
-} // namespace TALVIR::Pixel
+}  // namespace TALVIR::Pixel

@@ -51,6 +51,6 @@ void FillBorders(uint8_t* destination, uint32_t width, uint32_t height);
 // The whole image by the 2x2 cell rule (for images without a box).
 void DemosaicByCells(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height, EBayer pattern);
 
-} // namespace Detail
+}  // namespace Detail
 
-} // namespace TALVIR::Pixel
+}  // namespace TALVIR::Pixel

@@ -29,7 +29,8 @@ __attribute__((always_inline)) inline __m256i Load(const uint8_t* at) {
 // above, row and below point to column x0 of three consecutive rows. "Own" is the non-green colour of this
 // row, "other" the non-green colour of the rows above and below.
 template <bool LowIsGreen, bool OwnIsRed>
-__attribute__((always_inline)) inline SPairs Interpolate32(const uint8_t* above, const uint8_t* row, const uint8_t* below) {
+__attribute__((always_inline)) inline SPairs Interpolate32(const uint8_t* above, const uint8_t* row,
+                                                           const uint8_t* below) {
   const __m256i low = _mm256_set1_epi16(0x00FF);
   const __m256i high = _mm256_set1_epi16(static_cast<int16_t>(0xFF00));
   const __m256i centre = Load(row);
@@ -50,7 +51,8 @@ __attribute__((always_inline)) inline SPairs Interpolate32(const uint8_t* above,
         _mm256_add_epi16(_mm256_and_si256(Load(above - 1), low), _mm256_and_si256(Load(above + 1), low)),
         _mm256_add_epi16(_mm256_and_si256(Load(below - 1), low), _mm256_and_si256(Load(below + 1), low)));
     const __m256i ownLow = _mm256_and_si256(centre, low);
-    const __m256i greenLowHigh = _mm256_slli_epi16(_mm256_srli_epi16(_mm256_add_epi16(horizontalLow, verticalLow), 2), 8);
+    const __m256i greenLowHigh = _mm256_slli_epi16(_mm256_srli_epi16(_mm256_add_epi16(horizontalLow, verticalLow), 2),
+                                                   8);
     const __m256i otherLow = _mm256_srli_epi16(diagonals, 2);
     const __m256i ownHigh = _mm256_srli_epi16(horizontalHigh, 1);
     const __m256i greenHigh = _mm256_srli_epi16(centre, 8);
@@ -67,9 +69,9 @@ __attribute__((always_inline)) inline SPairs Interpolate32(const uint8_t* above,
   } else {
     // Low: green sample; own colour from left and right; other colour from above and below.
     // High: own colour sample; green from four axis neighbours; other colour from the four diagonals.
-    const __m256i diagonals = _mm256_add_epi16(
-        _mm256_add_epi16(_mm256_and_si256(up, low), _mm256_srli_epi16(Load(above + 1), 8)),
-        _mm256_add_epi16(_mm256_and_si256(down, low), _mm256_srli_epi16(Load(below + 1), 8)));
+    const __m256i diagonals =
+        _mm256_add_epi16(_mm256_add_epi16(_mm256_and_si256(up, low), _mm256_srli_epi16(Load(above + 1), 8)),
+                         _mm256_add_epi16(_mm256_and_si256(down, low), _mm256_srli_epi16(Load(below + 1), 8)));
     const __m256i greenLowHigh = _mm256_slli_epi16(centre, 8);
     const __m256i ownLow = _mm256_srli_epi16(horizontalLow, 1);
     const __m256i otherLow = _mm256_srli_epi16(verticalLow, 1);
@@ -152,7 +154,7 @@ void InterpolateRow(const uint8_t* source, uint8_t* destination, uint32_t width,
   }
 }
 
-} // namespace
+}  // namespace
 
 bool Demosaic(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height, EBayer pattern) {
   if (source == nullptr || destination == nullptr || width < 2 || height < 2) {
@@ -179,4 +181,4 @@ bool Demosaic(const uint8_t* source, uint8_t* destination, uint32_t width, uint3
   return true;
 }
 
-} // namespace TALVIR::Pixel::Avx2
+}  // namespace TALVIR::Pixel::Avx2

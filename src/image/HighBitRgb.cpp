@@ -38,26 +38,20 @@ void FromPacked10(const uint8_t* source, uint8_t* destination, uint64_t count) {
   }
 }
 
-} // namespace
+}  // namespace
 
-bool HighBitRgbToBgr(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height, uint32_t pixelFormat) {
+bool HighBitRgbToBgr(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height,
+                     uint32_t pixelFormat) {
   if (source == nullptr || destination == nullptr || width == 0 || height == 0) {
     return false;
   }
   const uint64_t count = uint64_t{width} * height;
   switch (pixelFormat) {
-  case PixelFormat::RGB10:
-    FromContainers(source, destination, count, 2);
-    return true;
-  case PixelFormat::RGB12:
-    FromContainers(source, destination, count, 4);
-    return true;
-  case PixelFormat::RGB10p:
-    FromPacked10(source, destination, count);
-    return true;
-  default:
-    return false;
+  case PixelFormat::RGB10: FromContainers(source, destination, count, 2); return true;
+  case PixelFormat::RGB12: FromContainers(source, destination, count, 4); return true;
+  case PixelFormat::RGB10p: FromPacked10(source, destination, count); return true;
+  default: return false;
   }
 }
 
-} // namespace TALVIR::Pixel
+}  // namespace TALVIR::Pixel

@@ -11,6 +11,7 @@
 
 namespace TALVIR::Pixel {
 
-bool HighBitRgbToBgr(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height, uint32_t pixelFormat);
+bool HighBitRgbToBgr(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height,
+                     uint32_t pixelFormat);
 
-} // namespace TALVIR::Pixel
+}  // namespace TALVIR::Pixel

@@ -19,18 +19,18 @@ using namespace PixelFormat;
 using Pixel::EBayer;
 
 enum class EWork {
-  None,             // not converted
-  Source,           // already Mono8 or BGR8
-  Shift,            // 16-bit containers to 8 bits
-  KeepHighBytes,    // three-byte packing
-  LsbFirst,         // LSB-first bit unpacking
+  None,           // not converted
+  Source,         // already Mono8 or BGR8
+  Shift,          // 16-bit containers to 8 bits
+  KeepHighBytes,  // three-byte packing
+  LsbFirst,       // LSB-first bit unpacking
   SwapRedBlue,
   Yuv422Yuyv,
   Yuv422Uyvy,
   Yuv411,
   Yuv444,
-  YCbCr422,         // 709 table
-  YCbCr444,         // 709 table
+  YCbCr422,  // 709 table
+  YCbCr444,  // 709 table
   Rgb565,
   Bgr565,
   MakerLibrary,
@@ -53,25 +53,16 @@ SRoute RouteOf(uint32_t pixelFormat) {
   switch (pixelFormat) {
   case Mono8:
   case Mono8s:
-  case BGR8:
-    return Mono(EWork::Source);
-  case Mono10:
-    return Mono(EWork::Shift, 10);
-  case Mono12:
-    return Mono(EWork::Shift, 12);
-  case Mono14:
-    return Mono(EWork::Shift, 14);
-  case Mono16:
-    return Mono(EWork::Shift, 16);
+  case BGR8: return Mono(EWork::Source);
+  case Mono10: return Mono(EWork::Shift, 10);
+  case Mono12: return Mono(EWork::Shift, 12);
+  case Mono14: return Mono(EWork::Shift, 14);
+  case Mono16: return Mono(EWork::Shift, 16);
   case Mono10Packed:
-  case Mono12Packed:
-    return Mono(EWork::KeepHighBytes);
-  case Mono10p:
-    return Mono(EWork::LsbFirst, 10);
-  case Mono12p:
-    return Mono(EWork::LsbFirst, 12);
-  case Mono14p:
-    return Mono(EWork::LsbFirst, 14);
+  case Mono12Packed: return Mono(EWork::KeepHighBytes);
+  case Mono10p: return Mono(EWork::LsbFirst, 10);
+  case Mono12p: return Mono(EWork::LsbFirst, 12);
+  case Mono14p: return Mono(EWork::LsbFirst, 14);
 
   case BayerGR8: return Bayer(EWork::None, 8, EBayer::GR);
   case BayerRG8: return Bayer(EWork::None, 8, EBayer::RG);
@@ -114,31 +105,20 @@ SRoute RouteOf(uint32_t pixelFormat) {
   case BayerGB14p: return Bayer(EWork::LsbFirst, 14, EBayer::GB);
   case BayerBG14p: return Bayer(EWork::LsbFirst, 14, EBayer::BG);
 
-  case RGB8:
-    return Colour(EWork::SwapRedBlue);
-  case YUV422_8:
-    return Colour(EWork::Yuv422Yuyv);
-  case YUV422_8_UYVY:
-    return Colour(EWork::Yuv422Uyvy);
-  case YUV411_8_UYYVYY:
-    return Colour(EWork::Yuv411);
-  case YUV8_UYV:
-    return Colour(EWork::Yuv444);
+  case RGB8: return Colour(EWork::SwapRedBlue);
+  case YUV422_8: return Colour(EWork::Yuv422Yuyv);
+  case YUV422_8_UYVY: return Colour(EWork::Yuv422Uyvy);
+  case YUV411_8_UYYVYY: return Colour(EWork::Yuv411);
+  case YUV8_UYV: return Colour(EWork::Yuv444);
   case YCbCr422_8:
-  case YCbCr709_422_8:
-    return Colour(EWork::YCbCr422);
-  case YCbCr709_8_CbYCr:
-    return Colour(EWork::YCbCr444);
-  case RGB565p:
-    return Colour(EWork::Rgb565);
-  case BGR565p:
-    return Colour(EWork::Bgr565);
+  case YCbCr709_422_8: return Colour(EWork::YCbCr422);
+  case YCbCr709_8_CbYCr: return Colour(EWork::YCbCr444);
+  case RGB565p: return Colour(EWork::Rgb565);
+  case BGR565p: return Colour(EWork::Bgr565);
   case RGB10:
   case RGB12:
-  case RGB10p:
-    return Colour(EWork::MakerLibrary);
-  default:
-    return {};
+  case RGB10p: return Colour(EWork::MakerLibrary);
+  default: return {};
   }
 }
 
@@ -150,39 +130,25 @@ bool ProducesMono(const SRoute& route) {
 // Runs one of the mono-output stages (also the first stage of the high-bit-depth Bayer formats).
 bool RunMonoStage(const SRoute& route, const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height) {
   switch (route.work) {
-  case EWork::Shift:
-    return Pixel::ShiftTo8(source, destination, width, height, route.bits);
-  case EWork::KeepHighBytes:
-    return Pixel::KeepHighBytes(source, destination, width, height);
-  case EWork::LsbFirst:
-    return Pixel::UnpackLsbFirst(source, destination, width, height, route.bits);
-  default:
-    return false;
+  case EWork::Shift: return Pixel::ShiftTo8(source, destination, width, height, route.bits);
+  case EWork::KeepHighBytes: return Pixel::KeepHighBytes(source, destination, width, height);
+  case EWork::LsbFirst: return Pixel::UnpackLsbFirst(source, destination, width, height, route.bits);
+  default: return false;
   }
 }
 
 bool RunColourWork(const SRoute& route, const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height) {
   switch (route.work) {
-  case EWork::SwapRedBlue:
-    return Pixel::SwapRedBlue(source, destination, width, height);
-  case EWork::Yuv422Yuyv:
-    return Pixel::Yuv422ToBgr(source, destination, width, height, Pixel::EYuv422Order::YUYV);
-  case EWork::Yuv422Uyvy:
-    return Pixel::Yuv422ToBgr(source, destination, width, height, Pixel::EYuv422Order::UYVY);
-  case EWork::Yuv411:
-    return Pixel::Yuv411ToBgr(source, destination, width, height);
-  case EWork::Yuv444:
-    return Pixel::Yuv444ToBgr(source, destination, width, height);
-  case EWork::YCbCr422:
-    return Pixel::YCbCr422ToBgr709(source, destination, width, height);
-  case EWork::YCbCr444:
-    return Pixel::YCbCr444ToBgr709(source, destination, width, height);
-  case EWork::Rgb565:
-    return Pixel::Expand565(source, destination, width, height, Pixel::E565Order::LowFieldFirst);
-  case EWork::Bgr565:
-    return Pixel::Expand565(source, destination, width, height, Pixel::E565Order::HighFieldFirst);
-  default:
-    return false;
+  case EWork::SwapRedBlue: return Pixel::SwapRedBlue(source, destination, width, height);
+  case EWork::Yuv422Yuyv: return Pixel::Yuv422ToBgr(source, destination, width, height, Pixel::EYuv422Order::YUYV);
+  case EWork::Yuv422Uyvy: return Pixel::Yuv422ToBgr(source, destination, width, height, Pixel::EYuv422Order::UYVY);
+  case EWork::Yuv411: return Pixel::Yuv411ToBgr(source, destination, width, height);
+  case EWork::Yuv444: return Pixel::Yuv444ToBgr(source, destination, width, height);
+  case EWork::YCbCr422: return Pixel::YCbCr422ToBgr709(source, destination, width, height);
+  case EWork::YCbCr444: return Pixel::YCbCr444ToBgr709(source, destination, width, height);
+  case EWork::Rgb565: return Pixel::Expand565(source, destination, width, height, Pixel::E565Order::LowFieldFirst);
+  case EWork::Bgr565: return Pixel::Expand565(source, destination, width, height, Pixel::E565Order::HighFieldFirst);
+  default: return false;
   }
 }
 
@@ -195,7 +161,7 @@ uint64_t CheckedSize(uint32_t width, uint32_t height, uint64_t bytesPerPixel) {
   return size;
 }
 
-} // namespace
+}  // namespace
 
 CImgTool::CImgTool(bool freshBuffers, const CImvexConverter* converter)
     : m_freshBuffers(freshBuffers), m_converter(converter) {}
@@ -289,12 +255,11 @@ const uint8_t* CImgTool::Convert(const uint8_t* source, uint32_t width, uint32_t
   uint8_t* colour = TakeBuffer(CheckedSize(width, height, 3), true);
   if (route.work == EWork::MakerLibrary) {
     const CImvexConverter& converter = m_converter != nullptr ? *m_converter : CImvexConverter::ForProcess();
-    const bool succeeded = converter.IsAvailable()
-                               ? converter.ConvertToBgr8(pixelFormat, source, width, height, colour)
-                               : Pixel::HighBitRgbToBgr(source, colour, width, height, pixelFormat);
+    const bool succeeded = converter.IsAvailable() ? converter.ConvertToBgr8(pixelFormat, source, width, height, colour)
+                                                   : Pixel::HighBitRgbToBgr(source, colour, width, height, pixelFormat);
     return Finish(colour, succeeded);
   }
   return Finish(colour, RunColourWork(route, source, colour, width, height));
 }
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -61,4 +61,4 @@ private:
   const CImvexConverter* m_converter;
 };
 
-} // namespace TALVIR
+}  // namespace TALVIR

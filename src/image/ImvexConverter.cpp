@@ -22,4 +22,4 @@ bool CImvexConverter::ConvertToBgr8(uint32_t sourceFormat, const uint8_t* source
   return m_convert(sourceFormat, source, width, height, PixelFormat::BGR8, destination, 1) != 0;
 }
 
-} // namespace TALVIR
+}  // namespace TALVIR

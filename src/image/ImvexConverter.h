@@ -37,4 +37,4 @@ private:
   ConvertFunction m_convert = nullptr;
 };
 
-} // namespace TALVIR
+}  // namespace TALVIR

@@ -85,4 +85,4 @@ constexpr uint32_t YCbCr709_8_CbYCr = 0x02180040;
 // Bits per pixel including padding, as encoded in bits 23-16 of every code.
 constexpr uint32_t EncodedBitsPerPixel(uint32_t pfnc) { return (pfnc >> 16) & 0xFFu; }
 
-} // namespace TALVIR::PixelFormat
+}  // namespace TALVIR::PixelFormat

@@ -18,4 +18,4 @@ SPixelLayout PixelLayoutOf(uint32_t pfnc);
 // product does not fit in 64 bits (no real image is that large, so such a size can only come from bad input).
 uint64_t ImageSizeBytes(uint32_t pfnc, uint64_t width, uint64_t height);
 
-} // namespace TALVIR
+}  // namespace TALVIR

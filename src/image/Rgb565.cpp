@@ -26,7 +26,7 @@ constexpr SWidenTables MakeWidenTables() {
 
 constexpr SWidenTables kWiden = MakeWidenTables();
 
-} // namespace
+}  // namespace
 
 namespace Reference {
 
@@ -49,11 +49,11 @@ bool Expand565(const uint8_t* source, uint8_t* destination, uint32_t width, uint
   return true;
 }
 
-} // namespace Reference
+}  // namespace Reference
 
 // Rare on cameras; the plain loop is fast enough.
 bool Expand565(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height, E565Order order) {
   return Reference::Expand565(source, destination, width, height, order);
 }
 
-} // namespace TALVIR::Pixel
+}  // namespace TALVIR::Pixel

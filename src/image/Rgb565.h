@@ -17,4 +17,4 @@ bool Expand565(const uint8_t* source, uint8_t* destination, uint32_t width, uint
 
 bool Expand565(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height, E565Order order);
 
-} // namespace TALVIR::Pixel
+}  // namespace TALVIR::Pixel

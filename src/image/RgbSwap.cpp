@@ -19,7 +19,7 @@ bool SwapRedBlue(const uint8_t* source, uint8_t* destination, uint32_t width, ui
   return true;
 }
 
-} // namespace Reference
+}  // namespace Reference
 
 bool SwapRedBlue(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height) {
 #if TALVIR_IMAGE_HAS_AVX2
@@ -34,4 +34,4 @@ bool SwapRedBlue(const uint8_t* source, uint8_t* destination, uint32_t width, ui
 #endif
 }
 
-} // namespace TALVIR::Pixel
+}  // namespace TALVIR::Pixel

@@ -17,4 +17,4 @@ bool SwapRedBlue(const uint8_t* source, uint8_t* destination, uint32_t width, ui
 
 bool SwapRedBlue(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height);
 
-} // namespace TALVIR::Pixel
+}  // namespace TALVIR::Pixel

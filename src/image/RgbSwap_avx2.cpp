@@ -44,7 +44,7 @@ void SwapPixel(const uint8_t* in, uint8_t* out) {
   out[2] = first;
 }
 
-} // namespace
+}  // namespace
 
 bool SwapRedBlue(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height) {
   if (source == nullptr || destination == nullptr || width == 0 || height == 0) {
@@ -81,4 +81,4 @@ bool SwapRedBlue(const uint8_t* source, uint8_t* destination, uint32_t width, ui
   return true;
 }
 
-} // namespace TALVIR::Pixel::Avx2
+}  // namespace TALVIR::Pixel::Avx2

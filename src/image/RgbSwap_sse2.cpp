@@ -41,7 +41,7 @@ void SwapPixel(const uint8_t* in, uint8_t* out) {
   out[2] = first;
 }
 
-} // namespace
+}  // namespace
 
 bool SwapRedBlue(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height) {
   if (source == nullptr || destination == nullptr || width == 0 || height == 0) {
@@ -67,4 +67,4 @@ bool SwapRedBlue(const uint8_t* source, uint8_t* destination, uint32_t width, ui
   return true;
 }
 
-} // namespace TALVIR::Pixel::Sse2
+}  // namespace TALVIR::Pixel::Sse2

@@ -29,7 +29,7 @@ bool ShiftTo8(const uint8_t* source, uint8_t* destination, uint32_t width, uint3
   return true;
 }
 
-} // namespace Reference
+}  // namespace Reference
 
 bool ShiftTo8(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height, uint32_t bits) {
 #if TALVIR_IMAGE_HAS_AVX2
@@ -44,4 +44,4 @@ bool ShiftTo8(const uint8_t* source, uint8_t* destination, uint32_t width, uint3
 #endif
 }
 
-} // namespace TALVIR::Pixel
+}  // namespace TALVIR::Pixel

@@ -22,4 +22,4 @@ bool ShiftTo8(const uint8_t* source, uint8_t* destination, uint32_t width, uint3
 // The fastest implementation this CPU supports.
 bool ShiftTo8(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height, uint32_t bits);
 
-} // namespace TALVIR::Pixel
+}  // namespace TALVIR::Pixel

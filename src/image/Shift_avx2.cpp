@@ -58,7 +58,7 @@ void ShiftAll(const uint8_t* source, uint8_t* destination, uint64_t count) {
   }
 }
 
-} // namespace
+}  // namespace
 
 bool ShiftTo8(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height, uint32_t bits) {
   if (source == nullptr || destination == nullptr || width == 0 || height == 0 || bits <= 8) {
@@ -66,18 +66,10 @@ bool ShiftTo8(const uint8_t* source, uint8_t* destination, uint32_t width, uint3
   }
   const uint64_t count = uint64_t{width} * height;
   switch (bits) {
-  case 10:
-    ShiftAll<2>(source, destination, count);
-    break;
-  case 12:
-    ShiftAll<4>(source, destination, count);
-    break;
-  case 14:
-    ShiftAll<6>(source, destination, count);
-    break;
-  case 16:
-    ShiftAll<8>(source, destination, count);
-    break;
+  case 10: ShiftAll<2>(source, destination, count); break;
+  case 12: ShiftAll<4>(source, destination, count); break;
+  case 14: ShiftAll<6>(source, destination, count); break;
+  case 16: ShiftAll<8>(source, destination, count); break;
   default:
     // Other bit counts exist in no camera format; the plain routine serves them.
     return Reference::ShiftTo8(source, destination, width, height, bits);
@@ -85,4 +77,4 @@ bool ShiftTo8(const uint8_t* source, uint8_t* destination, uint32_t width, uint3
   return true;
 }
 
-} // namespace TALVIR::Pixel::Avx2
+}  // namespace TALVIR::Pixel::Avx2

@@ -27,7 +27,7 @@ void ShiftAll(const uint8_t* source, uint8_t* destination, uint64_t count) {
   }
 }
 
-} // namespace
+}  // namespace
 
 bool ShiftTo8(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height, uint32_t bits) {
   if (source == nullptr || destination == nullptr || width == 0 || height == 0 || bits <= 8) {
@@ -35,21 +35,12 @@ bool ShiftTo8(const uint8_t* source, uint8_t* destination, uint32_t width, uint3
   }
   const uint64_t count = uint64_t{width} * height;
   switch (bits) {
-  case 10:
-    ShiftAll<2>(source, destination, count);
-    return true;
-  case 12:
-    ShiftAll<4>(source, destination, count);
-    return true;
-  case 14:
-    ShiftAll<6>(source, destination, count);
-    return true;
-  case 16:
-    ShiftAll<8>(source, destination, count);
-    return true;
-  default:
-    return Reference::ShiftTo8(source, destination, width, height, bits);
+  case 10: ShiftAll<2>(source, destination, count); return true;
+  case 12: ShiftAll<4>(source, destination, count); return true;
+  case 14: ShiftAll<6>(source, destination, count); return true;
+  case 16: ShiftAll<8>(source, destination, count); return true;
+  default: return Reference::ShiftTo8(source, destination, width, height, bits);
   }
 }
 
-} // namespace TALVIR::Pixel::Sse2
+}  // namespace TALVIR::Pixel::Sse2

@@ -6,14 +6,10 @@ namespace TALVIR::Pixel {
 
 SLsbGroup LsbFirstGroup(uint32_t bits) {
   switch (bits) {
-  case 10:
-    return {5, 4};
-  case 12:
-    return {3, 2};
-  case 14:
-    return {7, 4};
-  default:
-    return {};
+  case 10: return {5, 4};
+  case 12: return {3, 2};
+  case 14: return {7, 4};
+  default: return {};
   }
 }
 
@@ -53,7 +49,7 @@ bool UnpackLsbFirst(const uint8_t* source, uint8_t* destination, uint32_t width,
   return true;
 }
 
-} // namespace Reference
+}  // namespace Reference
 
 bool KeepHighBytes(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height) {
 #if TALVIR_IMAGE_HAS_AVX2
@@ -73,4 +69,4 @@ bool UnpackLsbFirst(const uint8_t* source, uint8_t* destination, uint32_t width,
   return Reference::UnpackLsbFirst(source, destination, width, height, bits);
 }
 
-} // namespace TALVIR::Pixel
+}  // namespace TALVIR::Pixel

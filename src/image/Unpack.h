@@ -18,12 +18,12 @@ namespace TALVIR::Pixel {
 namespace Reference {
 bool KeepHighBytes(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height);
 bool UnpackLsbFirst(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height, uint32_t bits);
-} // namespace Reference
+}  // namespace Reference
 
 namespace Avx2 {
 bool KeepHighBytes(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height);
 bool UnpackLsbFirst(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height, uint32_t bits);
-} // namespace Avx2
+}  // namespace Avx2
 
 bool KeepHighBytes(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height);
 bool UnpackLsbFirst(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height, uint32_t bits);
@@ -35,4 +35,4 @@ struct SLsbGroup {
 };
 SLsbGroup LsbFirstGroup(uint32_t bits);
 
-} // namespace TALVIR::Pixel
+}  // namespace TALVIR::Pixel

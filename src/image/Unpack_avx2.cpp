@@ -43,7 +43,7 @@ SLsbKernel MakeLsbKernel(uint32_t bits) {
   return kernel;
 }
 
-} // namespace
+}  // namespace
 
 bool KeepHighBytes(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height) {
   if (source == nullptr || destination == nullptr || width == 0 || height == 0) {
@@ -113,4 +113,4 @@ bool UnpackLsbFirst(const uint8_t* source, uint8_t* destination, uint32_t width,
   return true;
 }
 
-} // namespace TALVIR::Pixel::Avx2
+}  // namespace TALVIR::Pixel::Avx2

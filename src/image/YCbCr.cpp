@@ -24,9 +24,7 @@ constexpr SChromaTable MakeTable(double k0, double k1, double k2, double k3) {
 constexpr SChromaTable kTable601 = MakeTable(1.370705, 0.698001, 0.337633, 1.732446);
 constexpr SChromaTable kTable709 = MakeTable(1.53965, 0.18314, 0.45768, 1.81418);
 
-uint8_t Clamp(int32_t value) {
-  return static_cast<uint8_t>(value < 0 ? 0 : (value > 255 ? 255 : value));
-}
+uint8_t Clamp(int32_t value) { return static_cast<uint8_t>(value < 0 ? 0 : (value > 255 ? 255 : value)); }
 
 // One output pixel from luma and the three chroma terms.
 void Put(uint8_t* out, int32_t y, int32_t blueTerm, int32_t greenTerm, int32_t redTerm) {
@@ -39,7 +37,7 @@ bool Valid(const uint8_t* source, const uint8_t* destination, uint32_t width, ui
   return source != nullptr && destination != nullptr && width != 0 && height != 0;
 }
 
-} // namespace
+}  // namespace
 
 const SChromaTable& Table601() { return kTable601; }
 const SChromaTable& Table709() { return kTable709; }
@@ -131,7 +129,7 @@ bool YCbCr444ToBgr709(const uint8_t* source, uint8_t* destination, uint32_t widt
   return true;
 }
 
-} // namespace Reference
+}  // namespace Reference
 
 bool Yuv422ToBgr(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height, EYuv422Order order) {
 #if TALVIR_IMAGE_HAS_AVX2
@@ -162,4 +160,4 @@ bool YCbCr444ToBgr709(const uint8_t* source, uint8_t* destination, uint32_t widt
   return Reference::YCbCr444ToBgr709(source, destination, width, height);
 }
 
-} // namespace TALVIR::Pixel
+}  // namespace TALVIR::Pixel

@@ -37,12 +37,12 @@ bool Yuv444ToBgr(const uint8_t* source, uint8_t* destination, uint32_t width, ui
 bool Yuv411ToBgr(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height);
 // 4:4:4 with the 709 table, c0 Y c2 per pixel: blue = Y + B3[c2], green = Y - B2[c2] - B1[c0], red = Y + B0[c0].
 bool YCbCr444ToBgr709(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height);
-} // namespace Reference
+}  // namespace Reference
 
 namespace Avx2 {
 bool Yuv422ToBgr(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height, EYuv422Order order);
 bool YCbCr422ToBgr709(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height);
-} // namespace Avx2
+}  // namespace Avx2
 
 bool Yuv422ToBgr(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height, EYuv422Order order);
 bool YCbCr422ToBgr709(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height);
@@ -50,4 +50,4 @@ bool Yuv444ToBgr(const uint8_t* source, uint8_t* destination, uint32_t width, ui
 bool Yuv411ToBgr(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height);
 bool YCbCr444ToBgr709(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height);
 
-} // namespace TALVIR::Pixel
+}  // namespace TALVIR::Pixel

@@ -12,25 +12,25 @@
 namespace TALVIR::Pixel::Avx2 {
 namespace {
 
-constexpr int16_t kRedFromV601 = 22458;   // 1.370705
-constexpr int16_t kGreenFromV601 = 11435; // 0.698001
-constexpr int16_t kGreenFromU601 = 5532;  // 0.337633
-constexpr int16_t kBlueFromU601 = 28383;  // 1.732446
-constexpr int16_t kRed709 = 25226;        // 1.53965
-constexpr int16_t kGreen1709 = 3000;      // 0.18314
-constexpr int16_t kGreen2709 = 7498;      // 0.45768
-constexpr int16_t kBlue709 = 29724;       // 1.81418
+constexpr int16_t kRedFromV601 = 22458;    // 1.370705
+constexpr int16_t kGreenFromV601 = 11435;  // 0.698001
+constexpr int16_t kGreenFromU601 = 5532;   // 0.337633
+constexpr int16_t kBlueFromU601 = 28383;   // 1.732446
+constexpr int16_t kRed709 = 25226;         // 1.53965
+constexpr int16_t kGreen1709 = 3000;       // 0.18314
+constexpr int16_t kGreen2709 = 7498;       // 0.45768
+constexpr int16_t kBlue709 = 29724;        // 1.81418
 
 // How one 4:2:2 layout maps onto the kernel. In each 32-bit group the two chroma bytes become the low and the
 // high 16-bit word of the group; the terms for blue and red are the products of those words with the
 // matching factors, and green subtracts both of its products.
 struct SLayout422 {
-  bool lumaInHighByte;   // UYVY: the luma bytes are the odd ones
-  int16_t colourLow;     // factor for the low chroma word's blue or red term
-  int16_t colourHigh;    // factor for the high chroma word's blue or red term
+  bool lumaInHighByte;  // UYVY: the luma bytes are the odd ones
+  int16_t colourLow;    // factor for the low chroma word's blue or red term
+  int16_t colourHigh;   // factor for the high chroma word's blue or red term
   int16_t greenLow;
   int16_t greenHigh;
-  bool blueFromLow;      // whether the low chroma word drives blue (else it drives red)
+  bool blueFromLow;  // whether the low chroma word drives blue (else it drives red)
 };
 
 struct SPlanes16 {
@@ -50,13 +50,13 @@ SPlanes16 Convert16(const uint8_t* in, const SLayout422& layout, __m256i colourF
   const __m256i colour = _mm256_mulhrs_epi16(doubled, colourFactors);
   const __m256i greenParts = _mm256_mulhrs_epi16(doubled, greenFactors);
   // Both green products summed into both words of each group: add the group with its words exchanged.
-  const __m256i greenSum = _mm256_add_epi16(greenParts, _mm256_shufflelo_epi16(
-                                                            _mm256_shufflehi_epi16(greenParts, 0xB1), 0xB1));
+  const __m256i greenSum = _mm256_add_epi16(greenParts,
+                                            _mm256_shufflelo_epi16(_mm256_shufflehi_epi16(greenParts, 0xB1), 0xB1));
   // No vector constants at namespace scope: their initialisation would run AVX2 code on any CPU at load.
-  const __m256i duplicateLow = _mm256_setr_epi8(0, 1, 0, 1, 4, 5, 4, 5, 8, 9, 8, 9, 12, 13, 12, 13,
-                                                0, 1, 0, 1, 4, 5, 4, 5, 8, 9, 8, 9, 12, 13, 12, 13);
-  const __m256i duplicateHigh = _mm256_setr_epi8(2, 3, 2, 3, 6, 7, 6, 7, 10, 11, 10, 11, 14, 15, 14, 15,
-                                                 2, 3, 2, 3, 6, 7, 6, 7, 10, 11, 10, 11, 14, 15, 14, 15);
+  const __m256i duplicateLow = _mm256_setr_epi8(0, 1, 0, 1, 4, 5, 4, 5, 8, 9, 8, 9, 12, 13, 12, 13, 0, 1, 0, 1, 4, 5, 4,
+                                                5, 8, 9, 8, 9, 12, 13, 12, 13);
+  const __m256i duplicateHigh = _mm256_setr_epi8(2, 3, 2, 3, 6, 7, 6, 7, 10, 11, 10, 11, 14, 15, 14, 15, 2, 3, 2, 3, 6,
+                                                 7, 6, 7, 10, 11, 10, 11, 14, 15, 14, 15);
   const __m256i lowTerm = _mm256_shuffle_epi8(colour, duplicateLow);
   const __m256i highTerm = _mm256_shuffle_epi8(colour, duplicateHigh);
   SPlanes16 planes;
@@ -71,14 +71,15 @@ __m256i Pack(__m256i first, __m256i second) {
   return _mm256_permute4x64_epi64(_mm256_packus_epi16(first, second), 0xD8);
 }
 
-bool Convert422(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height,
-                const SLayout422& layout, bool (*finish)(const uint8_t*, uint8_t*, uint32_t, uint32_t)) {
+bool Convert422(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height, const SLayout422& layout,
+                bool (*finish)(const uint8_t*, uint8_t*, uint32_t, uint32_t)) {
   if (source == nullptr || destination == nullptr || width == 0 || height == 0) {
     return false;
   }
   static const CBgrInterleaver interleaver;
-  const __m256i colourFactors = _mm256_set1_epi32(static_cast<int32_t>(
-      static_cast<uint16_t>(layout.colourLow) | (static_cast<uint32_t>(static_cast<uint16_t>(layout.colourHigh)) << 16)));
+  const __m256i colourFactors =
+      _mm256_set1_epi32(static_cast<int32_t>(static_cast<uint16_t>(layout.colourLow) |
+                                             (static_cast<uint32_t>(static_cast<uint16_t>(layout.colourHigh)) << 16)));
   const __m256i greenFactors = _mm256_set1_epi32(static_cast<int32_t>(
       static_cast<uint16_t>(layout.greenLow) | (static_cast<uint32_t>(static_cast<uint16_t>(layout.greenHigh)) << 16)));
   const uint64_t pixels = uint64_t{width} * height / 2 * 2;
@@ -103,7 +104,7 @@ bool Reference601Uyvy(const uint8_t* s, uint8_t* d, uint32_t w, uint32_t h) {
   return Reference::Yuv422ToBgr(s, d, w, h, EYuv422Order::UYVY);
 }
 
-} // namespace
+}  // namespace
 
 bool Yuv422ToBgr(const uint8_t* source, uint8_t* destination, uint32_t width, uint32_t height, EYuv422Order order) {
   // Chroma words are (U, V) in both byte orders: U comes first in each group.
@@ -118,4 +119,4 @@ bool YCbCr422ToBgr709(const uint8_t* source, uint8_t* destination, uint32_t widt
   return Convert422(source, destination, width, height, layout, Reference::YCbCr422ToBgr709);
 }
 
-} // namespace TALVIR::Pixel::Avx2
+}  // namespace TALVIR::Pixel::Avx2

@@ -7,4 +7,4 @@ namespace TALVIR::Platform {
 // Milliseconds since an arbitrary fixed point (boot on Linux); only differences are meaningful.
 uint64_t MonotonicMilliseconds();
 
-} // namespace TALVIR::Platform
+}  // namespace TALVIR::Platform

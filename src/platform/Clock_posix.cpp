@@ -10,4 +10,4 @@ uint64_t MonotonicMilliseconds() {
   return static_cast<uint64_t>(now.tv_sec) * 1000u + static_cast<uint64_t>(now.tv_nsec) / 1000000u;
 }
 
-} // namespace TALVIR::Platform
+}  // namespace TALVIR::Platform

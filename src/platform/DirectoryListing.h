@@ -11,4 +11,4 @@ namespace TALVIR::Platform {
 // matches "x.ctix", which is not a producer. An unreadable or missing folder gives an empty list.
 std::vector<std::string> ListFilesWithExtension(const std::string& directory, const std::string& extension);
 
-} // namespace TALVIR::Platform
+}  // namespace TALVIR::Platform

@@ -46,7 +46,7 @@ struct DirCloser {
   void operator()(DIR* dir) const { closedir(dir); }
 };
 
-} // namespace
+}  // namespace
 
 std::vector<std::string> ListFilesWithExtension(const std::string& directory, const std::string& extension) {
   std::vector<std::string> names;
@@ -65,4 +65,4 @@ std::vector<std::string> ListFilesWithExtension(const std::string& directory, co
   return names;
 }
 
-} // namespace TALVIR::Platform
+}  // namespace TALVIR::Platform

@@ -16,4 +16,4 @@ char PathListSeparator();
 // The folders of a search-path variable's value, in order, empty entries left out.
 std::vector<std::string> SplitPathList(const std::string& value);
 
-} // namespace TALVIR::Platform
+}  // namespace TALVIR::Platform

@@ -12,9 +12,7 @@ std::optional<std::string> EnvironmentVariable(const std::string& name) {
   return std::string(value);
 }
 
-char PathListSeparator() {
-  return ':';
-}
+char PathListSeparator() { return ':'; }
 
 std::vector<std::string> SplitPathList(const std::string& value) {
   std::vector<std::string> folders;
@@ -32,4 +30,4 @@ std::vector<std::string> SplitPathList(const std::string& value) {
   return folders;
 }
 
-} // namespace TALVIR::Platform
+}  // namespace TALVIR::Platform

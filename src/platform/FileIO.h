@@ -9,4 +9,4 @@ namespace TALVIR::Platform {
 // The whole content of a file, or nothing when it cannot be opened or read.
 std::optional<std::vector<char>> ReadWholeFile(const std::string& path);
 
-} // namespace TALVIR::Platform
+}  // namespace TALVIR::Platform

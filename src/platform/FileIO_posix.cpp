@@ -8,7 +8,7 @@ namespace {
 struct FileCloser {
   void operator()(std::FILE* file) const { std::fclose(file); }
 };
-} // namespace
+}  // namespace
 
 std::optional<std::vector<char>> ReadWholeFile(const std::string& path) {
   std::unique_ptr<std::FILE, FileCloser> file(std::fopen(path.c_str(), "rb"));
@@ -31,4 +31,4 @@ std::optional<std::vector<char>> ReadWholeFile(const std::string& path) {
   return content;
 }
 
-} // namespace TALVIR::Platform
+}  // namespace TALVIR::Platform

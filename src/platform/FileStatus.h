@@ -12,4 +12,4 @@ bool PathExists(const std::string& path);
 // name the same file exactly when their canonical paths are equal.
 std::optional<std::string> CanonicalPath(const std::string& path);
 
-} // namespace TALVIR::Platform
+}  // namespace TALVIR::Platform

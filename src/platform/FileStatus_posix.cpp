@@ -25,4 +25,4 @@ std::optional<std::string> CanonicalPath(const std::string& path) {
   return std::string(resolved.get());
 }
 
-} // namespace TALVIR::Platform
+}  // namespace TALVIR::Platform

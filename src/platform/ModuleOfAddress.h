@@ -8,4 +8,4 @@ namespace TALVIR::Platform {
 // Full path of the module file that contains `address`; empty if the loader cannot tell.
 std::string ModulePathOf(const void* address);
 
-} // namespace TALVIR::Platform
+}  // namespace TALVIR::Platform

@@ -12,4 +12,4 @@ std::string ModulePathOf(const void* address) {
   return info.dli_fname;
 }
 
-} // namespace TALVIR::Platform
+}  // namespace TALVIR::Platform

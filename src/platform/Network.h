@@ -12,4 +12,4 @@ bool ParseIPv4(const std::string& text, uint32_t& address);
 // The dotted text of an address in network byte order.
 std::string FormatIPv4(uint32_t address);
 
-} // namespace TALVIR::Platform
+}  // namespace TALVIR::Platform

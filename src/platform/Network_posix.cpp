@@ -25,4 +25,4 @@ std::string FormatIPv4(uint32_t address) {
   return text;
 }
 
-} // namespace TALVIR::Platform
+}  // namespace TALVIR::Platform

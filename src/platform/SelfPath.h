@@ -14,4 +14,4 @@ std::string OwnModuleDirectory();
 // The path separator of this platform, as appended after a directory.
 constexpr char kPathSeparator = '/';
 
-} // namespace TALVIR::Platform
+}  // namespace TALVIR::Platform

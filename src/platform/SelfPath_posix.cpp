@@ -22,4 +22,4 @@ std::string OwnModuleDirectory() {
   return path.substr(0, separator + 1);
 }
 
-} // namespace TALVIR::Platform
+}  // namespace TALVIR::Platform

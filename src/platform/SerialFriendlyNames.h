@@ -10,4 +10,4 @@ namespace TALVIR::Platform {
 // product name where the system knows it, else the device name. Empty when the system lists none.
 std::vector<std::string> ListSerialPortFriendlyNames();
 
-} // namespace TALVIR::Platform
+}  // namespace TALVIR::Platform

@@ -35,4 +35,4 @@ std::vector<std::string> ListSerialPortFriendlyNames() {
   return names;
 }
 
-} // namespace TALVIR::Platform
+}  // namespace TALVIR::Platform

@@ -51,7 +51,7 @@ TEST(CameraConcurrency, StopGrabbingWhileOtherThreadsWaitForImages) {
     CSimRig rig;
     CCamera* camera = rig.Camera(0);
     ASSERT_EQ(camera->Open(AccessMode::Control), Status::Ok);
-    CSimRig::SetEnum(*camera, "TriggerMode", "On"); // no frame will come
+    CSimRig::SetEnum(*camera, "TriggerMode", "On");  // no frame will come
     ASSERT_EQ(camera->StartGrabbing(mode, 0), Status::Ok);
     std::atomic<int> waiting{0};
     std::vector<int32_t> results(3, 0);
@@ -172,5 +172,5 @@ TEST(CameraConcurrency, CloseAndReleaseWhileAnotherThreadFetches) {
   }
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

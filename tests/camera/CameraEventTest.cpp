@@ -110,13 +110,9 @@ void ExpectEventsOfLayout(int layout) {
   EXPECT_EQ(collector.Count(), before);
 }
 
-TEST(CameraEvent, EventsOfLayoutOne) {
-  ExpectEventsOfLayout(1);
-}
+TEST(CameraEvent, EventsOfLayoutOne) { ExpectEventsOfLayout(1); }
 
-TEST(CameraEvent, EventsOfLayoutTwo) {
-  ExpectEventsOfLayout(2);
-}
+TEST(CameraEvent, EventsOfLayoutTwo) { ExpectEventsOfLayout(2); }
 
 TEST(CameraEvent, AListenerRemovedWhileEventsArriveStopsCleanly) {
   CSimRig rig("TalvirSim.cti",
@@ -197,7 +193,7 @@ public:
 TEST(CameraEvent, NotificationsReachTheHandlerWhileOneIsSet) {
   CSimRig rig;
   CCamera* camera = rig.Camera(0);
-  camera->Notify(Notification::DeviceLost, 0, 0); // no handler: nothing happens
+  camera->Notify(Notification::DeviceLost, 0, 0);  // no handler: nothing happens
   CHandler handler;
   camera->SetHandler(&handler);
   camera->Notify(Notification::DeviceLost, 1, 2);
@@ -209,5 +205,5 @@ TEST(CameraEvent, NotificationsReachTheHandlerWhileOneIsSet) {
   EXPECT_EQ(handler.m_calls, 1);
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

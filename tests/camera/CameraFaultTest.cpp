@@ -53,7 +53,7 @@ TEST(CameraFault, ALostDeviceWithImagesStillHeldReleasesEverything) {
   IImage* held = nullptr;
   ASSERT_EQ(camera->GetImage(&held, 2000), Status::Ok);
   CSimRig::Execute(*camera, "SimDeviceLost");
-  camera->Release(); // stops, closes and frees while the image is still held
+  camera->Release();  // stops, closes and frees while the image is still held
   EXPECT_EQ(held->GetHeight(), 480u);
   held->Release();
 }
@@ -163,5 +163,5 @@ TEST(CameraFault, StoppingAfterTheStreamEndedByItselfWorks) {
   EXPECT_EQ(CSimRig::Counts(*camera).announced, 0u);
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

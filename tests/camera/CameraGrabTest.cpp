@@ -28,7 +28,8 @@ void UseSoftwareTrigger(ICamera& camera) {
 }
 
 // Polls the producer's counts until `done` holds (the grab thread works on its own), at most two seconds.
-template <typename TCondition> SStreamCounts WaitForCounts(CCamera& camera, TCondition done) {
+template <typename TCondition>
+SStreamCounts WaitForCounts(CCamera& camera, TCondition done) {
   const Clock::time_point deadline = Clock::now() + std::chrono::seconds(2);
   SStreamCounts counts = CSimRig::Counts(camera);
   while (!done(counts) && Clock::now() < deadline) {
@@ -42,8 +43,8 @@ template <typename TCondition> SStreamCounts WaitForCounts(CCamera& camera, TCon
 void ExpectPattern(IImage& image) {
   const TalvirSim::SPixelFormat* format = TalvirSim::FindPixelFormat(static_cast<uint32_t>(image.GetPixelFormat()));
   ASSERT_NE(format, nullptr);
-  const std::vector<uint8_t> expected =
-      TalvirSim::MakeImage(*format, image.GetWidth(), image.GetHeight(), image.GetFrameId());
+  const std::vector<uint8_t> expected = TalvirSim::MakeImage(*format, image.GetWidth(), image.GetHeight(),
+                                                             image.GetFrameId());
   ASSERT_GE(image.GetBufferSize(), image.GetImageOffset() + expected.size());
   EXPECT_EQ(std::memcmp(image.GetBuffer() + image.GetImageOffset(), expected.data(), expected.size()), 0)
       << "frame " << image.GetFrameId();
@@ -338,5 +339,5 @@ TEST(CameraGrab, NewestModeHandsOutOnlyTheNewestAndLosesNoBuffer) {
   EXPECT_EQ(CSimRig::Counts(*camera).queued, 4u);
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

@@ -280,5 +280,5 @@ TEST(CameraImage, AProducerWithoutItsOwnFiguresGivesZeroAndCompleteImages) {
   }
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

@@ -33,7 +33,8 @@ static_assert(offsetof(SDeviceEventRecord, timestampLow) == 20);
 // virtual destructor takes two entries (complete and deleting).
 constexpr size_t kDestructorEntries = 2;
 
-template <typename TMember> size_t SlotOf(TMember member) {
+template <typename TMember>
+size_t SlotOf(TMember member) {
   static_assert(sizeof(TMember) == 2 * sizeof(ptrdiff_t));
   ptrdiff_t words[2];
   std::memcpy(words, &member, sizeof words);
@@ -132,5 +133,5 @@ TEST(InterfaceLayout, HandlerAndCallbackCarryTheirMainOperationFirst) {
 }
 #endif
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

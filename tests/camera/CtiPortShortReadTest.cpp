@@ -166,5 +166,5 @@ TEST_F(CtiPortShortReadTest, BytesAProducerClaimsButNeverWritesReadAsZero) {
   EXPECT_EQ(std::string(label->GetValue().c_str()), "LABEL-");
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

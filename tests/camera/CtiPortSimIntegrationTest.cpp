@@ -142,5 +142,5 @@ TEST_F(CtiPortSimTest, AFailingRegisterReadReachesTheFeatureReader) {
   CloseDevice(*cti);
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

@@ -67,7 +67,7 @@ std::string StoredZip(const std::string& name, const std::string& content, size_
   u32(zip, 0x04034b50);
   u16(zip, 20);
   u16(zip, 0);
-  u16(zip, 0); // stored
+  u16(zip, 0);  // stored
   u16(zip, 0);
   u16(zip, 0);
   u32(zip, crc);
@@ -335,5 +335,5 @@ TEST_F(CtiPortTest, TheFactoryMakesPortsAsModuleRecords) {
   EXPECT_EQ(port->Producer(), m_cti.get());
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

@@ -9,7 +9,8 @@
 namespace TALVIR {
 namespace {
 
-template <typename T> void Put(std::vector<uint8_t>& data, size_t offset, T value) {
+template <typename T>
+void Put(std::vector<uint8_t>& data, size_t offset, T value) {
   std::memcpy(data.data() + offset, &value, sizeof value);
 }
 
@@ -76,5 +77,5 @@ TEST(EventRecord, AnEmptyEventGivesAnAllZeroRecord) {
   EXPECT_EQ(record.timestampLow, 0u);
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

@@ -138,4 +138,4 @@ struct SImageGuard {
   }
 };
 
-} // namespace TALVIR::Testing
+}  // namespace TALVIR::Testing

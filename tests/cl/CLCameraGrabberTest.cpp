@@ -145,5 +145,5 @@ TEST(CLCameraGrabber, TheSecondChannelReachesTheSecondCamera) {
   EXPECT_EQ(std::string(serial1->GetValue().c_str()), "CLG00002");
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

@@ -179,5 +179,5 @@ TEST_F(CLCameraSerialTest, ALinkThatIsOpenAgainIsOnlineAgain) {
   EXPECT_TRUE(m_camera->IsSerialOnline());
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

@@ -181,5 +181,5 @@ TEST_F(CLBlankCameraTest, ASerialOnlyRecordGivesANewBlankCameraEachTime) {
   // The second is released by the registry.
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

@@ -139,5 +139,5 @@ TEST(CLCachedLists, AFailingFillKeepsWhatItGaveBefore) {
   EXPECT_TRUE(CachedList(cache, failing).empty());
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

@@ -60,5 +60,5 @@ TEST_F(CLProtocolTemplateTest, AFolderOfTheWrongPlatformDoesNotCount) {
             GetModuleDirectory() + "../CLProtocol/Linux64_x64#libTavCLProtocolGenCP.so#KORIX#GENCP02");
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

@@ -152,5 +152,5 @@ TEST_F(CLRemoteTest, AProbePassFindsTheCameraAndItsDeviceIdOpensIt) {
   EXPECT_EQ(remote.Open(record.portId, record.deviceId), 0);
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

@@ -131,5 +131,5 @@ TEST_F(CameraLinkEntryPointsTest, DiscoveryFindsTheSerialCameraAndItsRecordOpens
   record->Destroy();
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

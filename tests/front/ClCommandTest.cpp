@@ -144,5 +144,5 @@ TEST_F(ClCommandTest, TheGrabbersChannelReachesTheCameraBehindIt) {
   EXPECT_EQ(run.out, "DeviceSerialNumber = CLG00002\n");
 }
 
-} // namespace
-} // namespace TalvirCli
+}  // namespace
+}  // namespace TalvirCli

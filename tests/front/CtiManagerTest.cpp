@@ -17,9 +17,9 @@ namespace {
 
 using Testing::CFakeProducerFolder;
 using Testing::CFakeProducerModule;
+using ::testing::ElementsAre;
 using Testing::MakeFakeDevice;
 using Testing::MakeFakeInterface;
-using ::testing::ElementsAre;
 using ::testing::UnorderedElementsAre;
 
 class CtiManagerTest : public ::testing::Test {
@@ -153,5 +153,5 @@ TEST_F(CtiManagerTest, FindBySerialLooksThroughEveryLoadedProducer) {
   EXPECT_EQ(manager.FindBySerial("SN9"), nullptr);
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

@@ -180,5 +180,5 @@ TEST(ParseConfigSwitch, OnlyTheUsualWordsForYesAreTrue) {
   }
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

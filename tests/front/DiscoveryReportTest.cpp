@@ -260,5 +260,5 @@ TEST_F(DiscoveryReportTest, TheCallbackReceivesFailuresFromEveryDiscoveryThread)
   }
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

@@ -18,9 +18,9 @@ namespace {
 
 using Testing::CFakeProducerFolder;
 using Testing::CFakeProducerModule;
+using ::testing::ElementsAre;
 using Testing::MakeFakeDevice;
 using Testing::MakeFakeInterface;
-using ::testing::ElementsAre;
 
 std::vector<std::string> SerialsAndGiveBack(std::list<ICameraInfo*> records) {
   std::vector<std::string> serials;
@@ -64,9 +64,7 @@ protected:
   CFakeProducerFolder m_folder;
 };
 
-TEST_F(DiscoveryTest, NoProducerGivesAnEmptyList) {
-  EXPECT_TRUE(DiscoverWithProducers({}).empty());
-}
+TEST_F(DiscoveryTest, NoProducerGivesAnEmptyList) { EXPECT_TRUE(DiscoverWithProducers({}).empty()); }
 
 TEST_F(DiscoveryTest, ConfiguredProducersAreJoinedInConfiguredOrder) {
   m_folder.WriteConfig("[User]\nCtiNames=Usb.cti;Gev.cti\n");
@@ -247,5 +245,5 @@ TEST_F(CreateBySerialTest, AnAbsentDeviceGivesNullAfterOneDiscovery) {
   EXPECT_TRUE(m_asked.empty());
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

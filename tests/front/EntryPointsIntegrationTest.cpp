@@ -51,7 +51,7 @@ TEST_F(EntryPointsTest, BeforeInitEveryEntryPointIsEmpty) {
   EXPECT_EQ(m_library.CreateCamera(nullptr), nullptr);
   EXPECT_EQ(m_library.CreateCameraBySN("SN0"), nullptr);
   EXPECT_EQ(m_fake.State().CountCalls("GCInitLib"), 0u);
-  m_library.UnInit(); // without Init: harmless
+  m_library.UnInit();  // without Init: harmless
 }
 
 TEST_F(EntryPointsTest, AfterUnInitEveryEntryPointIsEmptyAgain) {
@@ -248,5 +248,5 @@ TEST_F(EntryPointsTest, ConcurrentDiscoveriesAndDestroysShareRecordsSafely) {
   EXPECT_EQ(seen, 4u * 10u * 6u);
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

@@ -27,4 +27,4 @@ private:
   CTempDirectory m_folder;
 };
 
-} // namespace TALVIR::Testing
+}  // namespace TALVIR::Testing

@@ -202,5 +202,5 @@ TEST_F(SkipEmptyInterfacesTest, TheSwitchListsTheCamerasOfTheOtherInterfaces) {
   EXPECT_THAT(SerialsAndGiveBack(DiscoverByTLType(manager, TLType::GEV)), ElementsAre("SN0"));
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

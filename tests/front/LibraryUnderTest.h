@@ -80,7 +80,8 @@ public:
   decltype(&TALVIR::GetCLSerials) GetCLSerials = nullptr;
 
 private:
-  template <typename TFunction> TFunction Bind(const char* name) const {
+  template <typename TFunction>
+  TFunction Bind(const char* name) const {
     auto function = m_module.Symbol<TFunction>(name);
     if (function == nullptr) {
       throw std::runtime_error(std::string("libTalvir.so does not export ") + name);
@@ -92,4 +93,4 @@ private:
   Platform::CDynamicModule m_module;
 };
 
-} // namespace TALVIR::Testing
+}  // namespace TALVIR::Testing

@@ -283,8 +283,8 @@ TEST_F(SimProducersTest, AProducerThatFailsToInitialiseIsSkipped) {
   EXPECT_TRUE(m_library.Discovery("Failing.cti").empty());
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR
 
 namespace TALVIR {
 namespace {
@@ -330,5 +330,5 @@ TEST(SimProducersApplication, OpensConfiguresAndGrabsThroughTheExportedFunctions
   }
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

@@ -140,5 +140,5 @@ TEST(TalvirCliErrors, EveryCommandHasHelp) {
   }
 }
 
-} // namespace
-} // namespace TalvirCli
+}  // namespace
+}  // namespace TalvirCli

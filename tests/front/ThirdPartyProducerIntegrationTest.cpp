@@ -204,5 +204,5 @@ TEST_F(ThirdPartyProducerTest, TheCallbackIsOffByDefaultAndTheReportIsEmptyBefor
   EXPECT_FALSE(m_library.GetDiscoveryReport().initialised);
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

@@ -136,5 +136,5 @@ TEST(CameraInfo, AForeignRecordIsNeverEqual) {
   EXPECT_FALSE(SameDevice(*a, &foreign));
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

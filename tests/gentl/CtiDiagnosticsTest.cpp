@@ -387,5 +387,5 @@ TEST(GenTLFunctionTable, HandleKindsFollowTheFunctionFamilies) {
   EXPECT_STREQ(GenTLHandleKind(kGenTL_DSGetBufferPartInfo), "data stream");
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

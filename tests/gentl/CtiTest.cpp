@@ -18,9 +18,9 @@ namespace {
 
 using Testing::CFakeProducerModule;
 using Testing::EFakeFailure;
+using ::testing::ElementsAre;
 using Testing::MakeFakeDevice;
 using Testing::MakeFakeInterface;
-using ::testing::ElementsAre;
 
 // Remembers the status of the open that Load runs.
 class CRecordingCti final : public CCti {
@@ -61,7 +61,8 @@ protected:
   Testing::CFakeProducerState& State() { return m_fake.State(); }
 
   void TwoInterfacesWithDevices() {
-    State().interfaces.push_back(MakeFakeInterface("if0", "GEV", {MakeFakeDevice("d0", "SN0"), MakeFakeDevice("d1", "SN1")}));
+    State().interfaces.push_back(
+        MakeFakeInterface("if0", "GEV", {MakeFakeDevice("d0", "SN0"), MakeFakeDevice("d1", "SN1")}));
     State().interfaces.push_back(MakeFakeInterface("if1", "GEV", {MakeFakeDevice("d2", "SN2")}));
   }
 
@@ -101,15 +102,15 @@ TEST_F(CtiTest, TheModulePortFactoryMakesEveryModuleRecord) {
   };
   CCti cti("TalvirFake.cti", std::move(environment));
   ASSERT_TRUE(cti.Load());
-  EXPECT_THAT(made, ElementsAre(Testing::FakeSystemHandle(), Testing::FakeInterfaceHandle(0),
-                                Testing::FakeInterfaceHandle(1)));
+  EXPECT_THAT(
+      made, ElementsAre(Testing::FakeSystemHandle(), Testing::FakeInterfaceHandle(0), Testing::FakeInterfaceHandle(1)));
 }
 
 TEST_F(CtiTest, OpenStatusNamesTheStepThatFailed) {
   TwoInterfacesWithDevices();
   EXPECT_EQ(OpenStatus(), OpenProducerStatus::Ok);
   const std::pair<EFakeFailure, int32_t> cases[] = {
-      {EFakeFailure::InitLib, -1},          {EFakeFailure::TLOpen, -2},        {EFakeFailure::UpdateInterfaceList, -3},
+      {EFakeFailure::InitLib, -1},          {EFakeFailure::TLOpen, -2},         {EFakeFailure::UpdateInterfaceList, -3},
       {EFakeFailure::GetNumInterfaces, -4}, {EFakeFailure::GetInterfaceID, -6}, {EFakeFailure::OpenInterface, -7},
   };
   for (const auto& [failure, status] : cases) {
@@ -118,9 +119,7 @@ TEST_F(CtiTest, OpenStatusNamesTheStepThatFailed) {
   }
 }
 
-TEST_F(CtiTest, AProducerWithoutInterfacesFailsToOpen) {
-  EXPECT_EQ(OpenStatus(), OpenProducerStatus::NoInterface);
-}
+TEST_F(CtiTest, AProducerWithoutInterfacesFailsToOpen) { EXPECT_EQ(OpenStatus(), OpenProducerStatus::NoInterface); }
 
 TEST_F(CtiTest, TheInterfaceIDSizeCarriesOverFromCallToCall) {
   State().interfaces.push_back(MakeFakeInterface("a-long-id", "GEV", {MakeFakeDevice("d0", "SN0")}));
@@ -133,8 +132,8 @@ TEST_F(CtiTest, TheInterfaceIDSizeCarriesOverFromCallToCall) {
       idCalls.push_back(call);
     }
   }
-  EXPECT_THAT(idCalls, ElementsAre("TLGetInterfaceID 0 size 1024", "TLGetInterfaceID 1 size 10",
-                                   "TLGetInterfaceID 2 size 2"));
+  EXPECT_THAT(idCalls,
+              ElementsAre("TLGetInterfaceID 0 size 1024", "TLGetInterfaceID 1 size 10", "TLGetInterfaceID 2 size 2"));
 }
 
 TEST_F(CtiTest, InterfaceIDsOfFallingLengthOpen) {
@@ -256,8 +255,8 @@ TEST_F(CtiTest, TheTLTypeNameMustMatchExactly) {
 TEST_F(CtiTest, CameraLinkGrabbersGetTheirProducerTexts) {
   Testing::CFakeDevice device = MakeFakeDevice("grabber0", "CL0");
   device.numberInfo = {{1201, 18446744073709551615ull}, {1230, 0}, {1202, 115200}};
-  device.textInfo = {{1205, "text1205"}, {1203, "text1203"}, {1207, "text1207"}, {1231, "text1231"},
-                     {1209, "producer protocol"}, {1208, "COM7"}};
+  device.textInfo = {{1205, "text1205"}, {1203, "text1203"},          {1207, "text1207"},
+                     {1231, "text1231"}, {1209, "producer protocol"}, {1208, "COM7"}};
   Testing::CFakeDevice quiet = MakeFakeDevice("grabber1", "CL1");
   quiet.numberInfo = {{1201, 7}};
   quiet.failingCommands = {1201};
@@ -474,5 +473,5 @@ TEST_F(CtiTest, ConcurrentDiscoveriesOfOneProducerLoseNoRecord) {
   }
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

@@ -7,16 +7,11 @@ _Static_assert(sizeof(EVENT_NEW_BUFFER_DATA) == 16, "new-buffer event layout");
 /* Reports the sizes seen by the C compiler, so the C++ test can compare both views. */
 size_t TalvirGenTLSizeSeenFromC(int which) {
   switch (which) {
-  case 0:
-    return sizeof(SINGLE_CHUNK_DATA);
-  case 1:
-    return sizeof(EVENT_NEW_BUFFER_DATA);
-  case 2:
-    return sizeof(PORT_REGISTER_STACK_ENTRY);
-  case 3:
-    return sizeof(DS_BUFFER_INFO_STACKED);
-  default:
-    return 0;
+  case 0: return sizeof(SINGLE_CHUNK_DATA);
+  case 1: return sizeof(EVENT_NEW_BUFFER_DATA);
+  case 2: return sizeof(PORT_REGISTER_STACK_ENTRY);
+  case 3: return sizeof(DS_BUFFER_INFO_STACKED);
+  default: return 0;
   }
 }
 

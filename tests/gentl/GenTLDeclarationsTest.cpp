@@ -90,9 +90,9 @@ TEST(GenTLDeclarations, FunctionListsHoldEveryFunctionOnce) {
 TEST(GenTLDeclarations, PointerTypesMatchTheDeclarations) {
   // A consumer casts each looked-up symbol to its pointer type: the type must be exactly the declared function's.
   std::vector<std::string> mismatched;
-#define TALVIR_CHECK_POINTER_TYPE(name)                                                                                \
-  if (!std::is_same_v<PFN_##name, decltype(&name)>) {                                                                  \
-    mismatched.push_back(#name);                                                                                       \
+#define TALVIR_CHECK_POINTER_TYPE(name) \
+  if (!std::is_same_v<PFN_##name, decltype(&name)>) { \
+    mismatched.push_back(#name); \
   }
   GENTL_FOR_EACH_FUNCTION_1_5(TALVIR_CHECK_POINTER_TYPE)
   GENTL_FOR_EACH_FUNCTION_1_6(TALVIR_CHECK_POINTER_TYPE)
@@ -100,4 +100,4 @@ TEST(GenTLDeclarations, PointerTypesMatchTheDeclarations) {
   EXPECT_TRUE(mismatched.empty()) << mismatched.front();
 }
 
-} // namespace
+}  // namespace

@@ -44,5 +44,5 @@ TEST(GenTLFunctionTable, BindingANullModuleFailsAtTheFirstRequiredFunction) {
   EXPECT_EQ(table.GCInitLib, nullptr);
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

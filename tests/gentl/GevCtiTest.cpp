@@ -206,5 +206,5 @@ TEST_F(GevCtiTest, TheExtraModuleIsFreedWithTheProducer) {
   EXPECT_EQ(freshStateOf()->updateDelayMs, 0) << "the extra module was not unloaded with the producer";
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

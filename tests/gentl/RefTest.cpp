@@ -140,5 +140,5 @@ TEST(Ref, ReleaseAtZeroOfAWaitingRecordDoesNotDelete) {
   EXPECT_EQ(deletions, 1);
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

@@ -43,5 +43,5 @@ TEST(TLTypeTable, NamesSingleBitsOnly) {
   EXPECT_STREQ(TLTypeName(TLType::CLSerialOnly), "");
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

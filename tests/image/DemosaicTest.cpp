@@ -2,8 +2,8 @@
 
 #include "TestImages.h"
 
-#include <array>
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace TALVIR::Pixel {
@@ -33,8 +33,8 @@ TEST(Demosaic, FailsBelowTwoByTwoAndForNullPointers) {
 // Row 0: R G R G, row 1: G B G B, row 2: R G R G (pattern RG), values chosen so that sums are not multiples of 4.
 TEST(Demosaic, InteriorIsBilinearWithTruncation) {
   const uint32_t w = 4;
-  const std::vector<uint8_t> s = {11, 23, 37, 41,  //
-                                  53, 67, 71, 83,  //
+  const std::vector<uint8_t> s = {11, 23,  37,  41,  //
+                                  53, 67,  71,  83,  //
                                   97, 101, 113, 127};
   std::vector<uint8_t> out(w * 3 * 3);
   ASSERT_TRUE(Reference::Demosaic(s.data(), out.data(), w, 3, EBayer::RG));
@@ -99,8 +99,8 @@ TEST(Demosaic, ImagesWithoutABoxUseTheirTwoByTwoCell) {
   const std::vector<uint8_t> t = {1, 2, 3, 4, 5, 6};  // G R G / B G B
   std::vector<uint8_t> out3(18);
   ASSERT_TRUE(Reference::Demosaic(t.data(), out3.data(), 3, 2, EBayer::GR));
-  EXPECT_EQ(PixelAt(out3, 3, 2, 0), (std::array<uint8_t, 3>{6, 3, 2}));   // green: own; red 2; blue 6
-  EXPECT_EQ(PixelAt(out3, 3, 2, 1), (std::array<uint8_t, 3>{6, 4, 2}));   // blue: greens 3 and 5 -> 4
+  EXPECT_EQ(PixelAt(out3, 3, 2, 0), (std::array<uint8_t, 3>{6, 3, 2}));  // green: own; red 2; blue 6
+  EXPECT_EQ(PixelAt(out3, 3, 2, 1), (std::array<uint8_t, 3>{6, 4, 2}));  // blue: greens 3 and 5 -> 4
 }
 
 TEST(Demosaic, UniformImageStaysUniform) {
@@ -171,5 +171,5 @@ TEST(Demosaic, ExtremeValuesDoNotOverflowTheSums) {
   }
 }
 
-} // namespace
-} // namespace TALVIR::Pixel
+}  // namespace
+}  // namespace TALVIR::Pixel

@@ -62,5 +62,5 @@ TEST(HighBitRgb, FailsForOtherFormatsAndBadArguments) {
   EXPECT_FALSE(HighBitRgbToBgr(buffer.data(), buffer.data(), 0, 1, PixelFormat::RGB12));
 }
 
-} // namespace
-} // namespace TALVIR::Pixel
+}  // namespace
+}  // namespace TALVIR::Pixel

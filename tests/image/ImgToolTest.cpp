@@ -1,6 +1,6 @@
+#include "image/ImgTool.h"
 #include "image/Demosaic.h"
 #include "image/HighBitRgb.h"
-#include "image/ImgTool.h"
 #include "image/ImvexConverter.h"
 #include "image/PixelFormats.h"
 #include "image/PixelLayout.h"
@@ -203,56 +203,101 @@ std::function<void(const uint8_t*, uint8_t*, uint32_t, uint32_t)> UnpackThen(uin
   };
 }
 std::function<void(const uint8_t*, uint8_t*, uint32_t, uint32_t)> DemosaicOnly(EBayer pattern) {
-  return [pattern](const uint8_t* s, uint8_t* d, uint32_t w, uint32_t h) { Pixel::Reference::Demosaic(s, d, w, h, pattern); };
+  return [pattern](const uint8_t* s, uint8_t* d, uint32_t w, uint32_t h) {
+    Pixel::Reference::Demosaic(s, d, w, h, pattern);
+  };
 }
 std::function<void(const uint8_t*, uint8_t*, uint32_t, uint32_t)> Shift(uint32_t bits) {
   return [bits](const uint8_t* s, uint8_t* d, uint32_t w, uint32_t h) { Pixel::Reference::ShiftTo8(s, d, w, h, bits); };
 }
 std::function<void(const uint8_t*, uint8_t*, uint32_t, uint32_t)> Unpack(uint32_t bits) {
-  return [bits](const uint8_t* s, uint8_t* d, uint32_t w, uint32_t h) { Pixel::Reference::UnpackLsbFirst(s, d, w, h, bits); };
+  return [bits](const uint8_t* s, uint8_t* d, uint32_t w, uint32_t h) {
+    Pixel::Reference::UnpackLsbFirst(s, d, w, h, bits);
+  };
 }
 
 std::vector<SExpectation> DispatchTable() {
   using namespace Pixel;
-  const auto highBytes = [](const uint8_t* s, uint8_t* d, uint32_t w, uint32_t h) { Reference::KeepHighBytes(s, d, w, h); };
+  const auto highBytes = [](const uint8_t* s, uint8_t* d, uint32_t w, uint32_t h) {
+    Reference::KeepHighBytes(s, d, w, h);
+  };
   std::vector<SExpectation> table = {
-      {Mono10, false, Shift(10)}, {Mono12, false, Shift(12)}, {Mono14, false, Shift(14)}, {Mono16, false, Shift(16)},
-      {Mono10Packed, false, highBytes}, {Mono12Packed, false, highBytes},
-      {Mono10p, false, Unpack(10)}, {Mono12p, false, Unpack(12)}, {Mono14p, false, Unpack(14)},
-      {0x01080008, true, DemosaicOnly(EBayer::GR)}, {0x01080009, true, DemosaicOnly(EBayer::RG)},
-      {0x0108000A, true, DemosaicOnly(EBayer::GB)}, {0x0108000B, true, DemosaicOnly(EBayer::BG)},
-      {0x0110000C, true, ShiftThen(10, EBayer::GR)}, {0x0110000D, true, ShiftThen(10, EBayer::RG)},
-      {0x0110000E, true, ShiftThen(10, EBayer::GB)}, {0x0110000F, true, ShiftThen(10, EBayer::BG)},
-      {0x01100010, true, ShiftThen(12, EBayer::GR)}, {0x01100011, true, ShiftThen(12, EBayer::RG)},
-      {0x01100012, true, ShiftThen(12, EBayer::GB)}, {0x01100013, true, ShiftThen(12, EBayer::BG)},
-      {0x0110002E, true, ShiftThen(16, EBayer::GR)}, {0x0110002F, true, ShiftThen(16, EBayer::RG)},
-      {0x01100030, true, ShiftThen(16, EBayer::GB)}, {0x01100031, true, ShiftThen(16, EBayer::BG)},
-      {0x01100109, true, ShiftThen(14, EBayer::GR)}, {0x0110010A, true, ShiftThen(14, EBayer::RG)},
-      {0x0110010B, true, ShiftThen(14, EBayer::GB)}, {0x0110010C, true, ShiftThen(14, EBayer::BG)},
-      {0x010C0026, true, HighBytesThen(EBayer::GR)}, {0x010C002A, true, HighBytesThen(EBayer::GR)},
-      {0x010C0027, true, HighBytesThen(EBayer::RG)}, {0x010C002B, true, HighBytesThen(EBayer::RG)},
-      {0x010C0028, true, HighBytesThen(EBayer::GB)}, {0x010C002C, true, HighBytesThen(EBayer::GB)},
-      {0x010C0029, true, HighBytesThen(EBayer::BG)}, {0x010C002D, true, HighBytesThen(EBayer::BG)},
-      {0x010A0052, true, UnpackThen(10, EBayer::BG)}, {0x010A0054, true, UnpackThen(10, EBayer::GB)},
-      {0x010A0056, true, UnpackThen(10, EBayer::GR)}, {0x010A0058, true, UnpackThen(10, EBayer::RG)},
-      {0x010C0053, true, UnpackThen(12, EBayer::BG)}, {0x010C0055, true, UnpackThen(12, EBayer::GB)},
-      {0x010C0057, true, UnpackThen(12, EBayer::GR)}, {0x010C0059, true, UnpackThen(12, EBayer::RG)},
-      {0x010E0105, true, UnpackThen(14, EBayer::GR)}, {0x010E0106, true, UnpackThen(14, EBayer::RG)},
-      {0x010E0107, true, UnpackThen(14, EBayer::GB)}, {0x010E0108, true, UnpackThen(14, EBayer::BG)},
+      {Mono10, false, Shift(10)},
+      {Mono12, false, Shift(12)},
+      {Mono14, false, Shift(14)},
+      {Mono16, false, Shift(16)},
+      {Mono10Packed, false, highBytes},
+      {Mono12Packed, false, highBytes},
+      {Mono10p, false, Unpack(10)},
+      {Mono12p, false, Unpack(12)},
+      {Mono14p, false, Unpack(14)},
+      {0x01080008, true, DemosaicOnly(EBayer::GR)},
+      {0x01080009, true, DemosaicOnly(EBayer::RG)},
+      {0x0108000A, true, DemosaicOnly(EBayer::GB)},
+      {0x0108000B, true, DemosaicOnly(EBayer::BG)},
+      {0x0110000C, true, ShiftThen(10, EBayer::GR)},
+      {0x0110000D, true, ShiftThen(10, EBayer::RG)},
+      {0x0110000E, true, ShiftThen(10, EBayer::GB)},
+      {0x0110000F, true, ShiftThen(10, EBayer::BG)},
+      {0x01100010, true, ShiftThen(12, EBayer::GR)},
+      {0x01100011, true, ShiftThen(12, EBayer::RG)},
+      {0x01100012, true, ShiftThen(12, EBayer::GB)},
+      {0x01100013, true, ShiftThen(12, EBayer::BG)},
+      {0x0110002E, true, ShiftThen(16, EBayer::GR)},
+      {0x0110002F, true, ShiftThen(16, EBayer::RG)},
+      {0x01100030, true, ShiftThen(16, EBayer::GB)},
+      {0x01100031, true, ShiftThen(16, EBayer::BG)},
+      {0x01100109, true, ShiftThen(14, EBayer::GR)},
+      {0x0110010A, true, ShiftThen(14, EBayer::RG)},
+      {0x0110010B, true, ShiftThen(14, EBayer::GB)},
+      {0x0110010C, true, ShiftThen(14, EBayer::BG)},
+      {0x010C0026, true, HighBytesThen(EBayer::GR)},
+      {0x010C002A, true, HighBytesThen(EBayer::GR)},
+      {0x010C0027, true, HighBytesThen(EBayer::RG)},
+      {0x010C002B, true, HighBytesThen(EBayer::RG)},
+      {0x010C0028, true, HighBytesThen(EBayer::GB)},
+      {0x010C002C, true, HighBytesThen(EBayer::GB)},
+      {0x010C0029, true, HighBytesThen(EBayer::BG)},
+      {0x010C002D, true, HighBytesThen(EBayer::BG)},
+      {0x010A0052, true, UnpackThen(10, EBayer::BG)},
+      {0x010A0054, true, UnpackThen(10, EBayer::GB)},
+      {0x010A0056, true, UnpackThen(10, EBayer::GR)},
+      {0x010A0058, true, UnpackThen(10, EBayer::RG)},
+      {0x010C0053, true, UnpackThen(12, EBayer::BG)},
+      {0x010C0055, true, UnpackThen(12, EBayer::GB)},
+      {0x010C0057, true, UnpackThen(12, EBayer::GR)},
+      {0x010C0059, true, UnpackThen(12, EBayer::RG)},
+      {0x010E0105, true, UnpackThen(14, EBayer::GR)},
+      {0x010E0106, true, UnpackThen(14, EBayer::RG)},
+      {0x010E0107, true, UnpackThen(14, EBayer::GB)},
+      {0x010E0108, true, UnpackThen(14, EBayer::BG)},
       {RGB8, true, [](const uint8_t* s, uint8_t* d, uint32_t w, uint32_t h) { Reference::SwapRedBlue(s, d, w, h); }},
       {YUV422_8, true,
-       [](const uint8_t* s, uint8_t* d, uint32_t w, uint32_t h) { Reference::Yuv422ToBgr(s, d, w, h, EYuv422Order::YUYV); }},
+       [](const uint8_t* s, uint8_t* d, uint32_t w, uint32_t h) {
+         Reference::Yuv422ToBgr(s, d, w, h, EYuv422Order::YUYV);
+       }},
       {YUV422_8_UYVY, true,
-       [](const uint8_t* s, uint8_t* d, uint32_t w, uint32_t h) { Reference::Yuv422ToBgr(s, d, w, h, EYuv422Order::UYVY); }},
-      {YUV411_8_UYYVYY, true, [](const uint8_t* s, uint8_t* d, uint32_t w, uint32_t h) { Reference::Yuv411ToBgr(s, d, w, h); }},
-      {YUV8_UYV, true, [](const uint8_t* s, uint8_t* d, uint32_t w, uint32_t h) { Reference::Yuv444ToBgr(s, d, w, h); }},
-      {0x0210003B, true, [](const uint8_t* s, uint8_t* d, uint32_t w, uint32_t h) { Reference::YCbCr422ToBgr709(s, d, w, h); }},
-      {0x02100041, true, [](const uint8_t* s, uint8_t* d, uint32_t w, uint32_t h) { Reference::YCbCr422ToBgr709(s, d, w, h); }},
-      {0x02180040, true, [](const uint8_t* s, uint8_t* d, uint32_t w, uint32_t h) { Reference::YCbCr444ToBgr709(s, d, w, h); }},
+       [](const uint8_t* s, uint8_t* d, uint32_t w, uint32_t h) {
+         Reference::Yuv422ToBgr(s, d, w, h, EYuv422Order::UYVY);
+       }},
+      {YUV411_8_UYYVYY, true,
+       [](const uint8_t* s, uint8_t* d, uint32_t w, uint32_t h) { Reference::Yuv411ToBgr(s, d, w, h); }},
+      {YUV8_UYV, true,
+       [](const uint8_t* s, uint8_t* d, uint32_t w, uint32_t h) { Reference::Yuv444ToBgr(s, d, w, h); }},
+      {0x0210003B, true,
+       [](const uint8_t* s, uint8_t* d, uint32_t w, uint32_t h) { Reference::YCbCr422ToBgr709(s, d, w, h); }},
+      {0x02100041, true,
+       [](const uint8_t* s, uint8_t* d, uint32_t w, uint32_t h) { Reference::YCbCr422ToBgr709(s, d, w, h); }},
+      {0x02180040, true,
+       [](const uint8_t* s, uint8_t* d, uint32_t w, uint32_t h) { Reference::YCbCr444ToBgr709(s, d, w, h); }},
       {0x02100035, true,
-       [](const uint8_t* s, uint8_t* d, uint32_t w, uint32_t h) { Reference::Expand565(s, d, w, h, E565Order::LowFieldFirst); }},
+       [](const uint8_t* s, uint8_t* d, uint32_t w, uint32_t h) {
+         Reference::Expand565(s, d, w, h, E565Order::LowFieldFirst);
+       }},
       {0x02100036, true,
-       [](const uint8_t* s, uint8_t* d, uint32_t w, uint32_t h) { Reference::Expand565(s, d, w, h, E565Order::HighFieldFirst); }},
+       [](const uint8_t* s, uint8_t* d, uint32_t w, uint32_t h) {
+         Reference::Expand565(s, d, w, h, E565Order::HighFieldFirst);
+       }},
       {RGB10, true, [](const uint8_t* s, uint8_t* d, uint32_t w, uint32_t h) { HighBitRgbToBgr(s, d, w, h, RGB10); }},
       {RGB12, true, [](const uint8_t* s, uint8_t* d, uint32_t w, uint32_t h) { HighBitRgbToBgr(s, d, w, h, RGB12); }},
       {RGB10p, true, [](const uint8_t* s, uint8_t* d, uint32_t w, uint32_t h) { HighBitRgbToBgr(s, d, w, h, RGB10p); }},
@@ -324,5 +369,5 @@ TEST(ImgTool, DefaultToolUsesTheProcessWideLibraryOrOurFallback) {
   EXPECT_EQ(ToVector(out, 3), (std::vector<uint8_t>{1, 128, 255}));
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

@@ -1,5 +1,5 @@
-#include "image/ImgTool.h"
 #include "image/ImvexConverter.h"
+#include "image/ImgTool.h"
 #include "image/PixelFormats.h"
 #include "platform/DynamicModule.h"
 
@@ -107,5 +107,5 @@ TEST(ImvexConverterProcess, IsOneInstanceLoadedOnceEvenFromManyThreads) {
   }
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

@@ -10,12 +10,12 @@ std::mutex g_mutex;
 SImvexDoubleCall g_last{};
 uint8_t g_result = 1;
 
-} // namespace
+}  // namespace
 
 extern "C" __attribute__((visibility("default"))) uint8_t Imvex_Img_Convert(uint32_t sourceFormat, const void* source,
-                                                                             uint32_t width, uint32_t height,
-                                                                             uint32_t destinationFormat,
-                                                                             void* destination, uint8_t flag) {
+                                                                            uint32_t width, uint32_t height,
+                                                                            uint32_t destinationFormat,
+                                                                            void* destination, uint8_t flag) {
   std::lock_guard<std::mutex> lock(g_mutex);
   g_last.calls += 1;
   g_last.sourceFormat = sourceFormat;

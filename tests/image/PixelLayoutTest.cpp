@@ -1,5 +1,5 @@
-#include "image/PixelFormats.h"
 #include "image/PixelLayout.h"
+#include "image/PixelFormats.h"
 
 #include <gtest/gtest.h>
 
@@ -69,8 +69,8 @@ TEST(ImageSizeBytes, MultipliesAndRoundsUpToWholeBytes) {
   EXPECT_EQ(ImageSizeBytes(Mono12Packed, 3, 1), 5u);  // 36 bits
   EXPECT_EQ(ImageSizeBytes(Mono10p, 1, 1), 2u);       // 10 bits
   EXPECT_EQ(ImageSizeBytes(Mono10p, 4, 1), 5u);
-  EXPECT_EQ(ImageSizeBytes(Mono14p, 3, 1), 6u);       // 42 bits
-  EXPECT_EQ(ImageSizeBytes(RGB10p, 1, 1), 4u);        // 30 bits
+  EXPECT_EQ(ImageSizeBytes(Mono14p, 3, 1), 6u);  // 42 bits
+  EXPECT_EQ(ImageSizeBytes(RGB10p, 1, 1), 4u);   // 30 bits
   EXPECT_EQ(ImageSizeBytes(RGB10p, 4, 1), 15u);
   EXPECT_EQ(ImageSizeBytes(YUV411_8_UYYVYY, 4, 1), 6u);
 }
@@ -84,5 +84,5 @@ TEST(ImageSizeBytes, ZeroForUnknownFormatsEmptyImagesAndOverflow) {
   EXPECT_EQ(ImageSizeBytes(RGB10, uint64_t{1} << 31, uint64_t{1} << 31), 0u);  // 2^62 pixels x 48 bits
 }
 
-} // namespace
-} // namespace TALVIR
+}  // namespace
+}  // namespace TALVIR

@@ -7,7 +7,9 @@
 namespace TALVIR::Pixel {
 namespace {
 
-std::vector<uint8_t> Word(uint16_t value) { return {static_cast<uint8_t>(value & 0xFF), static_cast<uint8_t>(value >> 8)}; }
+std::vector<uint8_t> Word(uint16_t value) {
+  return {static_cast<uint8_t>(value & 0xFF), static_cast<uint8_t>(value >> 8)};
+}
 
 TEST(Expand565, FieldsWidenToFullRange) {
   std::vector<uint8_t> out(3);
@@ -45,5 +47,5 @@ TEST(Expand565, FailsForBadArguments) {
   EXPECT_FALSE(Expand565(buffer.data(), buffer.data(), 1, 0, E565Order::HighFieldFirst));
 }
 
-} // namespace
-} // namespace TALVIR::Pixel
+}  // namespace
+}  // namespace TALVIR::Pixel

@@ -71,5 +71,5 @@ TEST(SwapRedBlue, FastVersionsMatchAtEveryBufferAlignment) {
   }
 }
 
-} // namespace
-} // namespace TALVIR::Pixel
+}  // namespace
+}  // namespace TALVIR::Pixel

@@ -18,10 +18,10 @@ struct SSize {
 // Odd and even sides, single rows and columns, and sides just below, at and above the vector widths (16, 32,
 // 64 pixels) so that every bulk loop ends in every possible remainder.
 inline std::vector<SSize> SizesToCheck() {
-  std::vector<SSize> sizes = {{1, 1},  {2, 1},   {1, 2},  {2, 2},   {3, 3},   {4, 3},  {3, 4},   {5, 5},
-                              {1, 37}, {37, 1},  {1, 64}, {64, 1},  {6, 2},   {7, 3},  {15, 4},  {16, 4},
-                              {17, 5}, {31, 3},  {32, 3}, {33, 3},  {34, 4},  {35, 5}, {36, 6},  {63, 2},
-                              {64, 4}, {65, 7},  {66, 3}, {67, 5},  {95, 3},  {96, 4}, {97, 5},  {98, 6},
+  std::vector<SSize> sizes = {{1, 1},  {2, 1},   {1, 2},   {2, 2},   {3, 3},   {4, 3},   {3, 4},   {5, 5},
+                              {1, 37}, {37, 1},  {1, 64},  {64, 1},  {6, 2},   {7, 3},   {15, 4},  {16, 4},
+                              {17, 5}, {31, 3},  {32, 3},  {33, 3},  {34, 4},  {35, 5},  {36, 6},  {63, 2},
+                              {64, 4}, {65, 7},  {66, 3},  {67, 5},  {95, 3},  {96, 4},  {97, 5},  {98, 6},
                               {99, 3}, {127, 4}, {129, 5}, {130, 6}, {131, 7}, {200, 9}, {257, 3}, {640, 4}};
   return sizes;
 }
@@ -45,7 +45,7 @@ inline std::string Describe(const SSize& size) {
   return std::to_string(size.width) + "x" + std::to_string(size.height);
 }
 
-} // namespace TALVIR::Testing
+}  // namespace TALVIR::Testing
 
 namespace TALVIR::Testing {
 
@@ -66,4 +66,4 @@ private:
   uint64_t m_size;
 };
 
-} // namespace TALVIR::Testing
+}  // namespace TALVIR::Testing

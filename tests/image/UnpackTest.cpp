@@ -1,6 +1,6 @@
+#include "image/Unpack.h"
 #include "image/PixelFormats.h"
 #include "image/PixelLayout.h"
-#include "image/Unpack.h"
 
 #include "TestImages.h"
 
@@ -127,5 +127,5 @@ TEST(UnpackLsbFirst, FastVersionsMatchTheReference) {
   }
 }
 
-} // namespace
-} // namespace TALVIR::Pixel
+}  // namespace
+}  // namespace TALVIR::Pixel

@@ -20,9 +20,9 @@ TEST(ChromaTables, EntriesAreRoundedProductsOfTheCentredChroma) {
     }
   }
   EXPECT_EQ(Table601().entry[0][128], 0);
-  EXPECT_EQ(Table601().entry[3][255], 220);   // 127 x 1.732446 = 220.02
-  EXPECT_EQ(Table601().entry[3][0], -222);    // -128 x 1.732446 = -221.75
-  EXPECT_EQ(Table709().entry[0][0], -197);    // -128 x 1.53965 = -197.08
+  EXPECT_EQ(Table601().entry[3][255], 220);  // 127 x 1.732446 = 220.02
+  EXPECT_EQ(Table601().entry[3][0], -222);   // -128 x 1.732446 = -221.75
+  EXPECT_EQ(Table709().entry[0][0], -197);   // -128 x 1.53965 = -197.08
 }
 
 TEST(Yuv422, NeutralChromaGivesGrey) {
@@ -55,10 +55,10 @@ TEST(YCbCr422, ByteOneDrivesRedAndByteThreeDrivesBlue) {
   const std::vector<uint8_t> in = {100, 200, 100, 128};  // c1 high, c3 neutral
   std::vector<uint8_t> out(6);
   ASSERT_TRUE(Reference::YCbCr422ToBgr709(in.data(), out.data(), 2, 1));
-  EXPECT_EQ(out[0], 100);                               // blue untouched
-  EXPECT_EQ(out[2], 100 + Table709().entry[0][200]);    // red raised: 72 x 1.53965 = 110.9 -> 111
+  EXPECT_EQ(out[0], 100);                             // blue untouched
+  EXPECT_EQ(out[2], 100 + Table709().entry[0][200]);  // red raised: 72 x 1.53965 = 110.9 -> 111
   EXPECT_EQ(out[2], 211);
-  EXPECT_EQ(out[1], 100 - Table709().entry[1][200]);    // 72 x 0.18314 = 13.2 -> 13
+  EXPECT_EQ(out[1], 100 - Table709().entry[1][200]);  // 72 x 0.18314 = 13.2 -> 13
   EXPECT_EQ(out[1], 87);
 }
 
@@ -68,9 +68,9 @@ TEST(YCbCr, FourFourFourAndFourOneOne) {
   const std::vector<uint8_t> uyv = {60, 120, 190};
   std::vector<uint8_t> out(3);
   ASSERT_TRUE(Yuv444ToBgr(uyv.data(), out.data(), 1, 1));
-  EXPECT_EQ(out, (std::vector<uint8_t>{static_cast<uint8_t>(120 + a[3][60]),
-                                       static_cast<uint8_t>(120 - a[2][60] - a[1][190]),
-                                       static_cast<uint8_t>(120 + a[0][190])}));
+  EXPECT_EQ(
+      out, (std::vector<uint8_t>{static_cast<uint8_t>(120 + a[3][60]), static_cast<uint8_t>(120 - a[2][60] - a[1][190]),
+                                 static_cast<uint8_t>(120 + a[0][190])}));
   ASSERT_TRUE(YCbCr444ToBgr709(uyv.data(), out.data(), 1, 1));
   EXPECT_EQ(out, (std::vector<uint8_t>{static_cast<uint8_t>(120 + b[3][190]),
                                        static_cast<uint8_t>(120 - b[2][190] - b[1][60]),
@@ -177,5 +177,5 @@ TEST(YCbCr, FastVersionsAreExactForEveryChromaPair) {
   EXPECT_EQ(actual, expected);
 }
 
-} // namespace
-} // namespace TALVIR::Pixel
+}  // namespace
+}  // namespace TALVIR::Pixel

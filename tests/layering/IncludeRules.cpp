@@ -100,7 +100,8 @@ std::string Violation(const SInclude& include, const std::vector<std::string>& g
     const std::string folder = GenicamFolderOfFile(include.file);
     if (!folder.empty() && GenicamRank(segment) > GenicamRank(folder)) {
       return include.file + ":" + std::to_string(include.line) + " includes " + include.target + ": genicam/src/" +
-             folder + " may not include " + segment + " (clprotocol -> persistence -> api -> load -> nodes -> formula -> base)";
+             folder + " may not include " + segment +
+             " (clprotocol -> persistence -> api -> load -> nodes -> formula -> base)";
     }
     return std::string();
   } else if (IsSrcArea(segment)) {

@@ -33,5 +33,5 @@ TEST(MonotonicMilliseconds, IsMilliseconds) {
   EXPECT_GE(elapsed + 2, static_cast<uint64_t>(steadyElapsed));
 }
 
-} // namespace
-} // namespace TALVIR::Platform
+}  // namespace
+}  // namespace TALVIR::Platform

@@ -16,7 +16,8 @@ std::vector<std::string> Sorted(std::vector<std::string> names) {
 
 TEST(ListFilesWithExtension, KeepsOnlyThreeCharacterExtensionsIgnoringCase) {
   Testing::CTempDirectory folder;
-  for (const char* name : {"a.cti", "B.CTI", "c.Cti", "d.ctix", "e.cti.bak", "f.txt", "cti", ".cti", "g.ct", "h.x.cti"}) {
+  for (const char* name :
+       {"a.cti", "B.CTI", "c.Cti", "d.ctix", "e.cti.bak", "f.txt", "cti", ".cti", "g.ct", "h.x.cti"}) {
     folder.WriteFile(name, "x");
   }
   EXPECT_EQ(Sorted(ListFilesWithExtension(folder.Path().string(), "cti")),
@@ -51,5 +52,5 @@ TEST(ListFilesWithExtension, MissingOrEmptyFolderGivesNothing) {
   EXPECT_TRUE(ListFilesWithExtension((folder.Path() / "missing").string(), "cti").empty());
 }
 
-} // namespace
-} // namespace TALVIR::Platform
+}  // namespace
+}  // namespace TALVIR::Platform

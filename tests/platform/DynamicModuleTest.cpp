@@ -62,7 +62,7 @@ TEST(FindSymbol, UnknownSymbolAndNullHandleGiveNull) {
   EXPECT_EQ(FindSymbol(module.Handle(), "NoSuchSymbol"), nullptr);
   EXPECT_EQ(FindSymbol(nullptr, "TalvirTestModuleAnswer"), nullptr);
   EXPECT_EQ(FindSymbol(module.Handle(), nullptr), nullptr);
-  FreeModule(nullptr); // must be harmless
+  FreeModule(nullptr);  // must be harmless
 }
 
 TEST(CDynamicModule, MoveTransfersOwnership) {
@@ -70,7 +70,7 @@ TEST(CDynamicModule, MoveTransfersOwnership) {
   ASSERT_TRUE(first.IsLoaded());
   const ModuleHandle handle = first.Handle();
   CDynamicModule second(std::move(first));
-  EXPECT_FALSE(first.IsLoaded()); // NOLINT(bugprone-use-after-move): checking the moved-from state on purpose
+  EXPECT_FALSE(first.IsLoaded());  // NOLINT(bugprone-use-after-move): checking the moved-from state on purpose
   EXPECT_EQ(second.Handle(), handle);
   CDynamicModule third;
   third = std::move(second);
@@ -78,5 +78,5 @@ TEST(CDynamicModule, MoveTransfersOwnership) {
   EXPECT_NE(third.Symbol<AnswerFunction>("TalvirTestModuleAnswer"), nullptr);
 }
 
-} // namespace
-} // namespace TALVIR::Platform
+}  // namespace
+}  // namespace TALVIR::Platform

@@ -33,5 +33,5 @@ TEST(SplitPathList, KeepsFoldersInOrderAndDropsEmptyEntries) {
   EXPECT_TRUE(SplitPathList(":").empty());
 }
 
-} // namespace
-} // namespace TALVIR::Platform
+}  // namespace
+}  // namespace TALVIR::Platform

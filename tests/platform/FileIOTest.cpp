@@ -9,7 +9,7 @@ namespace {
 
 TEST(ReadWholeFile, ReturnsEveryByteIncludingZeros) {
   Testing::CTempDirectory folder;
-  std::string content(200000, '\0'); // larger than one read chunk, with embedded zero bytes
+  std::string content(200000, '\0');  // larger than one read chunk, with embedded zero bytes
   for (size_t i = 0; i < content.size(); ++i) {
     content[i] = static_cast<char>(i * 7);
   }
@@ -32,5 +32,5 @@ TEST(ReadWholeFile, MissingFileOrFolderGivesNothing) {
   EXPECT_FALSE(ReadWholeFile(folder.Path().string()).has_value());
 }
 
-} // namespace
-} // namespace TALVIR::Platform
+}  // namespace
+}  // namespace TALVIR::Platform

@@ -51,5 +51,5 @@ TEST(CanonicalPath, GivesNothingForMissingPaths) {
   EXPECT_FALSE(CanonicalPath("").has_value());
 }
 
-} // namespace
-} // namespace TALVIR::Platform
+}  // namespace
+}  // namespace TALVIR::Platform

@@ -21,9 +21,7 @@ TEST(ModuleOfAddress, FindsASharedLibraryForItsCode) {
   EXPECT_NE(path, OwnModulePath());
 }
 
-TEST(ModuleOfAddress, IsEmptyForNoAddress) {
-  EXPECT_TRUE(ModulePathOf(nullptr).empty());
-}
+TEST(ModuleOfAddress, IsEmptyForNoAddress) { EXPECT_TRUE(ModulePathOf(nullptr).empty()); }
 
-} // namespace
-} // namespace TALVIR::Platform
+}  // namespace
+}  // namespace TALVIR::Platform

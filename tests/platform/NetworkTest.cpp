@@ -27,5 +27,5 @@ TEST(Network, AnythingElseIsRefusedAndLeavesTheAddress) {
   }
 }
 
-} // namespace
-} // namespace TALVIR::Platform
+}  // namespace
+}  // namespace TALVIR::Platform

@@ -26,5 +26,5 @@ TEST(SelfPath, DirectoryKeepsItsTrailingSeparator) {
   EXPECT_TRUE(std::filesystem::is_directory(directory));
 }
 
-} // namespace
-} // namespace TALVIR::Platform
+}  // namespace
+}  // namespace TALVIR::Platform

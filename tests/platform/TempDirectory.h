@@ -33,4 +33,4 @@ private:
   std::filesystem::path m_path;
 };
 
-} // namespace TALVIR::Testing
+}  // namespace TALVIR::Testing

@@ -6,8 +6,7 @@
 #include <map>
 #include <string>
 
-namespace TALVIR::Tools
-{
+namespace TALVIR::Tools {
 // Feature name -> element name, for every element with a value interface directly under the root, inside Group
 // elements (any depth) and StructEntry elements of StructReg. Throws std::runtime_error on malformed XML.
 std::map<std::string, std::string> ScanValueElements(const std::string& xml);
@@ -17,4 +16,4 @@ std::string FirstFileOfZip(const std::string& zipBytes);
 
 // True when the bytes start with the ZIP local-file signature.
 bool LooksLikeZip(const std::string& bytes);
-} // namespace TALVIR::Tools
+}  // namespace TALVIR::Tools

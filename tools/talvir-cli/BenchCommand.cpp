@@ -48,4 +48,4 @@ int CBenchCommand::Run(const SCommandContext& context) {
   return 0;
 }
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

@@ -23,4 +23,4 @@ private:
   std::vector<std::string> m_settings;
 };
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

@@ -17,4 +17,4 @@ void SCameraOptions::AddTo(CLI::App& command, bool withModule) {
   }
 }
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

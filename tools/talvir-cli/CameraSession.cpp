@@ -11,30 +11,21 @@ namespace {
 std::string OpenFailure(int32_t status) {
   using namespace TALVIR::Status;
   switch (status) {
-  case NoProducer:
-    return "the device record has no producer";
+  case NoProducer: return "the device record has no producer";
   case OpenDeviceFailed:
     return "the producer refused to open the device (in use by another program, no access, or gone)";
-  case NoRemotePort:
-    return "the device has no port to the camera";
-  case StreamCountFailed:
-    return "the producer cannot tell the device's data streams";
-  case NoStream:
-    return "the device has no data stream";
-  case StreamIDFailed:
-    return "the producer cannot name the data stream";
-  case OpenStreamFailed:
-    return "the producer refused to open the data stream";
-  default:
-    return "status " + std::to_string(status);
+  case NoRemotePort: return "the device has no port to the camera";
+  case StreamCountFailed: return "the producer cannot tell the device's data streams";
+  case NoStream: return "the device has no data stream";
+  case StreamIDFailed: return "the producer cannot name the data stream";
+  case OpenStreamFailed: return "the producer refused to open the data stream";
+  default: return "status " + std::to_string(status);
   }
 }
 
-} // namespace
+}  // namespace
 
-CCameraSession::CCameraSession() {
-  TALVIR::Init();
-}
+CCameraSession::CCameraSession() { TALVIR::Init(); }
 
 CCameraSession::~CCameraSession() {
   if (m_camera != nullptr) {
@@ -115,4 +106,4 @@ GenApi::INodeMap& CCameraSession::NodeMap(const std::string& module) {
   return *map;
 }
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

@@ -35,4 +35,4 @@ private:
   TALVIR::ICamera* m_camera = nullptr;
 };
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

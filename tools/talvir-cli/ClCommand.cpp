@@ -97,14 +97,10 @@ std::string OurDriverTemplate() {
 
 const char* OpenSerialFailure(int32_t code) {
   switch (code) {
-  case -2:
-    return "the camera does not answer, or its description could not be downloaded";
-  case -3:
-    return "the camera's description file is empty";
-  case -4:
-    return "the camera's description file does not load";
-  default:
-    return "the serial link could not be opened";
+  case -2: return "the camera does not answer, or its description could not be downloaded";
+  case -3: return "the camera's description file is empty";
+  case -4: return "the camera's description file does not load";
+  default: return "the serial link could not be opened";
   }
 }
 
@@ -194,7 +190,7 @@ int RunFeatures(const std::vector<std::string>& args, bool write, std::ostream& 
   return result;
 }
 
-} // namespace
+}  // namespace
 
 void PrintClUsage(std::ostream& out) {
   out << "usage: talvir-cli cl ports | protocols | probe\n"
@@ -238,4 +234,4 @@ int RunCl(const std::vector<std::string>& args, std::ostream& out, std::ostream&
   return 2;
 }
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

@@ -19,4 +19,4 @@ int RunCl(const std::vector<std::string>& args, std::ostream& out, std::ostream&
 // The usage text of the command.
 void PrintClUsage(std::ostream& out);
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

@@ -20,4 +20,4 @@ int CClSubcommand::Run(const SCommandContext& context) {
   return RunCl(m_command->remaining(), context.out, context.errors);
 }
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

@@ -14,4 +14,4 @@ private:
   CLI::App* m_command = nullptr;
 };
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

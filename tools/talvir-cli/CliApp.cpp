@@ -39,7 +39,7 @@ int RunCli(const std::vector<std::string>& arguments, std::ostream& out, std::os
     subcommands.push_back(command->Register(app));
   }
 
-  std::vector<std::string> reversed(arguments.rbegin(), arguments.rend()); // the parser takes them last first
+  std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());  // the parser takes them last first
   try {
     app.parse(reversed);
   } catch (const CLI::CallForHelp& help) {
@@ -78,4 +78,4 @@ int RunCli(const std::vector<std::string>& arguments, std::ostream& out, std::os
   return 2;
 }
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

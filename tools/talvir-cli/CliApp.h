@@ -10,4 +10,4 @@ namespace TalvirCli {
 // with "talvir-cli: ". `terminal` says whether `out` is a terminal (for progress lines).
 int RunCli(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& errors, bool terminal = false);
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

@@ -38,4 +38,4 @@ public:
   virtual int Run(const SCommandContext& context) = 0;
 };
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

@@ -17,56 +17,35 @@ using Row = std::array<std::string, kColumns>;
 
 std::string AccessStatusText(uint32_t status) {
   switch (status) {
-  case 1:
-    return "ReadWrite";
-  case 2:
-    return "ReadOnly";
-  case 3:
-    return "NoAccess";
-  case 4:
-    return "Busy";
-  case 5:
-    return "OpenReadWrite";
-  case 6:
-    return "OpenReadOnly";
-  default:
-    return "Unknown(" + std::to_string(status) + ")";
+  case 1: return "ReadWrite";
+  case 2: return "ReadOnly";
+  case 3: return "NoAccess";
+  case 4: return "Busy";
+  case 5: return "OpenReadWrite";
+  case 6: return "OpenReadOnly";
+  default: return "Unknown(" + std::to_string(status) + ")";
   }
 }
 
-std::string Text(const char* text) {
-  return text != nullptr ? text : "";
-}
+std::string Text(const char* text) { return text != nullptr ? text : ""; }
 
-} // namespace
+}  // namespace
 
 std::string TLTypeText(uint32_t tlType) {
   using namespace TALVIR::TLType;
   switch (tlType) {
-  case GEV:
-    return "GEV";
-  case U3V:
-    return "U3V";
-  case CL:
-    return "CL";
-  case CXP:
-    return "CXP";
-  case IIDC:
-    return "IIDC";
-  case UVC:
-    return "UVC";
-  case CLHS:
-    return "CLHS";
-  case Ethernet:
-    return "Ethernet";
-  case PCI:
-    return "PCI";
-  case CLSerialOnly:
-    return "CL-serial";
-  case 0:
-    return "-";
-  default:
-    break;
+  case GEV: return "GEV";
+  case U3V: return "U3V";
+  case CL: return "CL";
+  case CXP: return "CXP";
+  case IIDC: return "IIDC";
+  case UVC: return "UVC";
+  case CLHS: return "CLHS";
+  case Ethernet: return "Ethernet";
+  case PCI: return "PCI";
+  case CLSerialOnly: return "CL-serial";
+  case 0: return "-";
+  default: break;
   }
   char text[16];
   std::snprintf(text, sizeof text, "0x%x", tlType);
@@ -119,4 +98,4 @@ void PrintDeviceJson(std::ostream& out, const std::list<TALVIR::ICameraInfo*>& r
       << '\n';
 }
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

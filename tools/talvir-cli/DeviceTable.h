@@ -19,4 +19,4 @@ void PrintDeviceTable(std::ostream& out, const std::list<TALVIR::ICameraInfo*>& 
 // "displayName":..,"userDefinedName":..,"version":..,"timestampFrequency":N}, ...]}
 void PrintDeviceJson(std::ostream& out, const std::list<TALVIR::ICameraInfo*>& records);
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

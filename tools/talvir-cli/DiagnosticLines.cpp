@@ -25,4 +25,4 @@ void CDiagnosticLines::Receive(const TALVIR::GenTLCallFailure& failure, void* co
   self->m_lines.emplace_back(failure.line);
 }
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

@@ -26,4 +26,4 @@ private:
   std::vector<std::string> m_lines;
 };
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

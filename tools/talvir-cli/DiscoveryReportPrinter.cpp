@@ -5,15 +5,11 @@
 namespace TalvirCli {
 namespace {
 
-const char* OnOff(bool value) {
-  return value ? "on" : "off";
-}
+const char* OnOff(bool value) { return value ? "on" : "off"; }
 
 void PrintLoadState(std::ostream& out, const TALVIR::ProducerReport& producer) {
   switch (producer.state) {
-  case TALVIR::ProducerState::NotTried:
-    out << "  not tried yet\n";
-    return;
+  case TALVIR::ProducerState::NotTried: out << "  not tried yet\n"; return;
   case TALVIR::ProducerState::Loaded:
     out << "  loaded, transport-layer type " << (producer.tlType == 0 ? "unknown" : TLTypeText(producer.tlType))
         << "\n";
@@ -70,34 +66,22 @@ void PrintProducer(std::ostream& out, const TALVIR::ProducerReport& producer) {
   }
 }
 
-} // namespace
+}  // namespace
 
 const char* DiscoveryRuleName(TALVIR::DiscoveryRule rule) {
   switch (rule) {
-  case TALVIR::DiscoveryRule::EmptyInterface:
-    return "empty interface";
-  case TALVIR::DiscoveryRule::EmptyInterfaceSkipped:
-    return "empty interface skipped";
-  case TALVIR::DiscoveryRule::InterfaceUpdateFailed:
-    return "interface update failed";
-  case TALVIR::DiscoveryRule::InterfaceCountFailed:
-    return "interface count failed";
-  case TALVIR::DiscoveryRule::DeviceIDFailed:
-    return "device ID query failed";
-  case TALVIR::DiscoveryRule::DeviceIDTooLong:
-    return "device ID too long";
-  case TALVIR::DiscoveryRule::InfoQueryFailed:
-    return "information query failed";
-  case TALVIR::DiscoveryRule::GigERecordIgnored:
-    return "GigE record ignored";
-  case TALVIR::DiscoveryRule::NotSelectedByType:
-    return "not selected by type";
-  case TALVIR::DiscoveryRule::ProducerTypeUnknown:
-    return "producer type unknown";
-  case TALVIR::DiscoveryRule::NotLoaded:
-    return "not loaded";
-  case TALVIR::DiscoveryRule::EnumerationFailed:
-    return "enumeration failed";
+  case TALVIR::DiscoveryRule::EmptyInterface: return "empty interface";
+  case TALVIR::DiscoveryRule::EmptyInterfaceSkipped: return "empty interface skipped";
+  case TALVIR::DiscoveryRule::InterfaceUpdateFailed: return "interface update failed";
+  case TALVIR::DiscoveryRule::InterfaceCountFailed: return "interface count failed";
+  case TALVIR::DiscoveryRule::DeviceIDFailed: return "device ID query failed";
+  case TALVIR::DiscoveryRule::DeviceIDTooLong: return "device ID too long";
+  case TALVIR::DiscoveryRule::InfoQueryFailed: return "information query failed";
+  case TALVIR::DiscoveryRule::GigERecordIgnored: return "GigE record ignored";
+  case TALVIR::DiscoveryRule::NotSelectedByType: return "not selected by type";
+  case TALVIR::DiscoveryRule::ProducerTypeUnknown: return "producer type unknown";
+  case TALVIR::DiscoveryRule::NotLoaded: return "not loaded";
+  case TALVIR::DiscoveryRule::EnumerationFailed: return "enumeration failed";
   }
   return "rule";
 }
@@ -133,4 +117,4 @@ void PrintDiscoveryReport(std::ostream& out, const TALVIR::DiscoveryReport& repo
   }
 }
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

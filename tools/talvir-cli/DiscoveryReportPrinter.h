@@ -15,4 +15,4 @@ const char* DiscoveryRuleName(TALVIR::DiscoveryRule rule);
 void PrintDiscoveryReport(std::ostream& out, const TALVIR::DiscoveryReport& report,
                           const std::vector<std::string>& failedCalls);
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

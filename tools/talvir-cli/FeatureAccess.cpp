@@ -10,28 +10,17 @@ namespace {
 
 const char* TypeName(GenApi::EInterfaceType type) {
   switch (type) {
-  case GenApi::intfIInteger:
-    return "Integer";
-  case GenApi::intfIFloat:
-    return "Float";
-  case GenApi::intfIBoolean:
-    return "Boolean";
-  case GenApi::intfICommand:
-    return "Command";
-  case GenApi::intfIString:
-    return "String";
-  case GenApi::intfIRegister:
-    return "Register";
-  case GenApi::intfIEnumeration:
-    return "Enumeration";
-  case GenApi::intfICategory:
-    return "Category";
-  case GenApi::intfIEnumEntry:
-    return "EnumEntry";
-  case GenApi::intfIPort:
-    return "Port";
-  default:
-    return "Node";
+  case GenApi::intfIInteger: return "Integer";
+  case GenApi::intfIFloat: return "Float";
+  case GenApi::intfIBoolean: return "Boolean";
+  case GenApi::intfICommand: return "Command";
+  case GenApi::intfIString: return "String";
+  case GenApi::intfIRegister: return "Register";
+  case GenApi::intfIEnumeration: return "Enumeration";
+  case GenApi::intfICategory: return "Category";
+  case GenApi::intfIEnumEntry: return "EnumEntry";
+  case GenApi::intfIPort: return "Port";
+  default: return "Node";
   }
 }
 
@@ -67,7 +56,7 @@ void FillRange(GenApi::INode* node, SFeatureDescription& feature) {
   }
 }
 
-} // namespace
+}  // namespace
 
 SFeatureDescription Describe(GenApi::INode* node) {
   SFeatureDescription feature;
@@ -180,4 +169,4 @@ std::pair<std::string, std::string> SplitAssignment(const std::string& assignmen
   return {assignment.substr(0, equals), assignment.substr(equals + 1)};
 }
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

@@ -12,14 +12,14 @@ namespace TalvirCli {
 // What "features" and "get" print about one feature. Fields that do not apply stay empty.
 struct SFeatureDescription {
   std::string name;
-  std::string type;   // Integer, Float, Boolean, Command, String, Register, Enumeration, Category
-  std::string access; // NI, NA, WO, RO, RW
-  std::string value;  // the value as text, empty when not readable
-  std::string error;  // why the value could not be read
+  std::string type;    // Integer, Float, Boolean, Command, String, Register, Enumeration, Category
+  std::string access;  // NI, NA, WO, RO, RW
+  std::string value;   // the value as text, empty when not readable
+  std::string error;   // why the value could not be read
   std::string min, max, inc;
   std::string unit;
-  std::vector<std::string> entries; // enumerations: the available symbolic names
-  std::string description;          // the tool tip
+  std::vector<std::string> entries;  // enumerations: the available symbolic names
+  std::string description;           // the tool tip
 };
 
 // Describes a node; never throws (a failing query fills `error`).
@@ -36,4 +36,4 @@ void SetFeature(GenApi::INodeMap& map, const std::string& name, const std::strin
 // Splits "Name=Value"; CUsageError for text without '=' or without a name.
 std::pair<std::string, std::string> SplitAssignment(const std::string& assignment, bool valueOptional);
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

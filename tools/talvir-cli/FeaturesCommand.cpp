@@ -36,7 +36,7 @@ std::string RangeText(const SFeatureDescription& feature) {
   return text + "]";
 }
 
-} // namespace
+}  // namespace
 
 CLI::App* CFeaturesCommand::Register(CLI::App& app) {
   CLI::App* command = app.add_subcommand(
@@ -59,7 +59,7 @@ bool CFeaturesCommand::Collect(GenApi::INode* category, int depth, std::vector<S
   for (GenApi::IValue* value : features) {
     GenApi::INode* node = value;
     if (std::find(path.begin(), path.end(), node) != path.end()) {
-      continue; // a category that contains itself: shown once
+      continue;  // a category that contains itself: shown once
     }
     if (node->GetPrincipalInterfaceType() == GenApi::intfICategory) {
       const size_t mark = rows.size();
@@ -162,4 +162,4 @@ void CFeaturesCommand::PrintJson(std::ostream& out, const std::vector<SRow>& row
       << '\n';
 }
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

@@ -28,4 +28,4 @@ private:
   bool m_json = false;
 };
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

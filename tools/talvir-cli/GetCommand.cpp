@@ -52,4 +52,4 @@ int CGetCommand::Run(const SCommandContext& context) {
   return 0;
 }
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

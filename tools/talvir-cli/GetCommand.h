@@ -20,4 +20,4 @@ private:
   bool m_json = false;
 };
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

@@ -29,4 +29,4 @@ private:
   std::string m_save;
 };
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

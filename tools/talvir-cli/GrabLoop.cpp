@@ -12,63 +12,41 @@ CGrabLoop::CGrabLoop(TALVIR::ICamera& camera, uint32_t grabMode, uint32_t timeou
 
 const char* CGrabLoop::ModeName(uint32_t grabMode) {
   switch (grabMode) {
-  case TALVIR::GrabMode::Direct:
-    return "direct";
-  case TALVIR::GrabMode::Newest:
-    return "newest";
-  case TALVIR::GrabMode::Fresh:
-    return "fresh";
-  default:
-    return "?";
+  case TALVIR::GrabMode::Direct: return "direct";
+  case TALVIR::GrabMode::Newest: return "newest";
+  case TALVIR::GrabMode::Fresh: return "fresh";
+  default: return "?";
   }
 }
 
 std::string CGrabLoop::StartFailure(int32_t status) {
   using namespace TALVIR::Status;
   switch (status) {
-  case AlreadyGrabbing:
-    return "the camera is already grabbing";
-  case NotOpen:
-    return "the camera is not open";
+  case AlreadyGrabbing: return "the camera is already grabbing";
+  case NotOpen: return "the camera is not open";
   case StreamHasNoProducer:
-  case StreamHasNoHandle:
-    return "the camera has no data stream";
-  case NoRemoteFeatures:
-    return "the camera's features cannot be read";
-  case NoPayloadSize:
-    return "the camera does not tell its payload size";
-  case OutOfMemory:
-    return "there is not enough memory for the buffers";
-  case AnnounceFailed:
-    return "the producer refused the buffers";
-  case RegisterEventFailed:
-    return "the producer refused the new-buffer event";
-  case StartStreamFailed:
-    return "the producer or the camera refused to start acquisition";
-  default:
-    return "status " + std::to_string(status);
+  case StreamHasNoHandle: return "the camera has no data stream";
+  case NoRemoteFeatures: return "the camera's features cannot be read";
+  case NoPayloadSize: return "the camera does not tell its payload size";
+  case OutOfMemory: return "there is not enough memory for the buffers";
+  case AnnounceFailed: return "the producer refused the buffers";
+  case RegisterEventFailed: return "the producer refused the new-buffer event";
+  case StartStreamFailed: return "the producer or the camera refused to start acquisition";
+  default: return "status " + std::to_string(status);
   }
 }
 
 std::string CGrabLoop::FetchFailure(int32_t status) {
   using namespace TALVIR::Status;
   switch (status) {
-  case NotGrabbing:
-    return "the camera is not grabbing";
-  case AcquisitionEnded:
-    return "the acquisition ended";
-  case Aborted:
-    return "the acquisition was stopped";
-  case BufferTooSmall:
-    return "an image did not fit its buffer";
-  case ChunkParseFailed:
-    return "the chunk data of an image could not be read";
-  case ResourceExhausted:
-    return "the producer ran out of resources";
-  case FetchFailed:
-    return "the producer failed to deliver an image (device lost?)";
-  default:
-    return "status " + std::to_string(status);
+  case NotGrabbing: return "the camera is not grabbing";
+  case AcquisitionEnded: return "the acquisition ended";
+  case Aborted: return "the acquisition was stopped";
+  case BufferTooSmall: return "an image did not fit its buffer";
+  case ChunkParseFailed: return "the chunk data of an image could not be read";
+  case ResourceExhausted: return "the producer ran out of resources";
+  case FetchFailed: return "the producer failed to deliver an image (device lost?)";
+  default: return "status " + std::to_string(status);
   }
 }
 
@@ -122,4 +100,4 @@ SGrabStatistics CGrabLoop::Run(uint64_t count, const ImageHandler& onImage) {
   return statistics;
 }
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

@@ -10,11 +10,11 @@
 namespace TalvirCli {
 
 struct SGrabStatistics {
-  uint64_t frames = 0;     // images received (complete or not)
-  uint64_t incomplete = 0; // of those, delivered incomplete by the producer
-  uint64_t timeouts = 0;   // GetImage calls that timed out
-  double seconds = 0;      // wall time from the first GetImage to the last
-  double cpuSeconds = 0;   // processor time of the whole process over the same span
+  uint64_t frames = 0;      // images received (complete or not)
+  uint64_t incomplete = 0;  // of those, delivered incomplete by the producer
+  uint64_t timeouts = 0;    // GetImage calls that timed out
+  double seconds = 0;       // wall time from the first GetImage to the last
+  double cpuSeconds = 0;    // processor time of the whole process over the same span
   double FramesPerSecond() const { return seconds > 0 ? static_cast<double>(frames) / seconds : 0; }
   double CpuMillisecondsPerFrame() const { return frames > 0 ? 1000.0 * cpuSeconds / static_cast<double>(frames) : 0; }
 };
@@ -42,4 +42,4 @@ private:
   uint32_t m_timeoutMs;
 };
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

@@ -37,7 +37,7 @@ std::string Hex(uint64_t value) {
   return text;
 }
 
-} // namespace
+}  // namespace
 
 CImageWriter::EFormat CImageWriter::FormatOf(const std::string& path) {
   const std::string extension = Extension(path);
@@ -55,16 +55,11 @@ CImageWriter::EFormat CImageWriter::FormatOf(const std::string& path) {
 
 int CImageWriter::HighBitDepth(uint64_t pixelFormat) {
   switch (pixelFormat) {
-  case 0x01100003:
-    return 10; // Mono10
-  case 0x01100005:
-    return 12; // Mono12
-  case 0x01100025:
-    return 14; // Mono14
-  case 0x01100007:
-    return 16; // Mono16
-  default:
-    return 0;
+  case 0x01100003: return 10;  // Mono10
+  case 0x01100005: return 12;  // Mono12
+  case 0x01100025: return 14;  // Mono14
+  case 0x01100007: return 16;  // Mono16
+  default: return 0;
   }
 }
 
@@ -161,4 +156,4 @@ void CImageWriter::SaveRaw(const std::string& path, TALVIR::IImage& image) {
   write(path + ".json", text.data(), text.size());
 }
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

@@ -24,4 +24,4 @@ private:
   static void SaveRaw(const std::string& path, TALVIR::IImage& image);
 };
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

@@ -47,7 +47,7 @@ std::vector<uint8_t> Row(const SPicture& picture, uint32_t y, bool bigEndian16) 
 
 void PngWarning(png_structp, png_const_charp) {}
 
-} // namespace
+}  // namespace
 
 void CPictureFile::WritePng(const std::string& path, const SPicture& picture) {
   std::unique_ptr<std::FILE, SFileCloser> file(std::fopen(path.c_str(), "wb"));
@@ -80,7 +80,7 @@ void CPictureFile::WritePng(const std::string& path, const SPicture& picture) {
       bits.gray = static_cast<png_byte>(picture.significantBits);
       png_set_sBIT(png, info, &bits);
     }
-    png_set_compression_level(png, 3); // fast: grabbing programs save often
+    png_set_compression_level(png, 3);  // fast: grabbing programs save often
     png_write_info(png, info);
     png_write_image(png, pointers.data());
     png_write_end(png, info);
@@ -112,7 +112,7 @@ void CPictureFile::WriteTiff(const std::string& path, const SPicture& picture) {
   TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, TIFFDefaultStripSize(tiff, 0));
   bool written = true;
   for (uint32_t y = 0; y < picture.height && written; ++y) {
-    std::vector<uint8_t> row = Row(picture, y, false); // TIFF files say their byte order; ours is native
+    std::vector<uint8_t> row = Row(picture, y, false);  // TIFF files say their byte order; ours is native
     written = TIFFWriteScanline(tiff, row.data(), y, 0) == 1;
   }
   TIFFClose(tiff);
@@ -121,4 +121,4 @@ void CPictureFile::WriteTiff(const std::string& path, const SPicture& picture) {
   }
 }
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

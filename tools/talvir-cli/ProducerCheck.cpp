@@ -77,4 +77,4 @@ std::string CProducerCheck::ExplainNothingFound(const std::string& onlyFile) con
   return "the producers in " + m_folder + " found no device";
 }
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

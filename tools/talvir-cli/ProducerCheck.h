@@ -8,8 +8,8 @@
 namespace TalvirCli {
 
 struct SProducerProblem {
-  std::string file;   // producer file name
-  std::string reason; // what is wrong, in words
+  std::string file;    // producer file name
+  std::string reason;  // what is wrong, in words
 };
 
 class CProducerCheck {
@@ -32,4 +32,4 @@ private:
   std::string m_folder;
 };
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

@@ -36,7 +36,7 @@ int CSetCommand::Run(const SCommandContext& context) {
     if (command) {
       context.out << name << " executed\n";
     } else if (!GenApi::IsReadable(node)) {
-      context.out << name << " set\n"; // write-only: nothing to read back
+      context.out << name << " set\n";  // write-only: nothing to read back
     } else {
       context.out << name << " = " << std::string(GenApi::CValuePtr(node)->ToString()) << '\n';
     }
@@ -44,4 +44,4 @@ int CSetCommand::Run(const SCommandContext& context) {
   return 0;
 }
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

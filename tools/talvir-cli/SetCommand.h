@@ -20,4 +20,4 @@ private:
   std::vector<std::string> m_assignments;
 };
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

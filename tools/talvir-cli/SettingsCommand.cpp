@@ -27,9 +27,7 @@ CLI::App* CSettingsCommand::Register(CLI::App& app) {
   return command;
 }
 
-int CSettingsCommand::Run(const SCommandContext& context) {
-  return m_save->parsed() ? Save(context) : Load(context);
-}
+int CSettingsCommand::Run(const SCommandContext& context) { return m_save->parsed() ? Save(context) : Load(context); }
 
 int CSettingsCommand::Save(const SCommandContext& context) {
   // Check that the file can be written before the camera is touched, without truncating a file that is there: if
@@ -93,4 +91,4 @@ int CSettingsCommand::Load(const SCommandContext& context) {
   return result.Failures.empty() ? 0 : 1;
 }
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

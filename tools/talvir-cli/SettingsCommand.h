@@ -24,4 +24,4 @@ private:
   bool m_all = false;
 };
 
-} // namespace TalvirCli
+}  // namespace TalvirCli

@@ -25,8 +25,8 @@ double g_rgbBytesPerSecond = 0;
 
 std::string FreeRunConfig(uint32_t width, uint32_t height, const std::string& format) {
   return "{\"interfaces\":[{\"id\":\"Bench\",\"devices\":[{\"id\":\"Fast\",\"serial\":\"FAST0001\",\"sensorWidth\":" +
-         std::to_string(width) + ",\"sensorHeight\":" + std::to_string(height) +
-         ",\"pixelFormats\":[\"" + format + "\"],\"frameRate\":0}]}]}";
+         std::to_string(width) + ",\"sensorHeight\":" + std::to_string(height) + ",\"pixelFormats\":[\"" + format +
+         "\"],\"frameRate\":0}]}]}";
 }
 
 // Runs the loop for the benchmark's iterations, one frame per iteration; returns false (with an error set on the
@@ -77,7 +77,8 @@ bool RunLoop(benchmark::State& state, uint32_t width, uint32_t height, size_t bu
 
 void BM_RawLoop_64x64_Mono8(benchmark::State& state) {
   if (RunLoop(state, 64, 64, 16)) {
-    state.counters["frames/s"] = benchmark::Counter(static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
+    state.counters["frames/s"] = benchmark::Counter(static_cast<double>(state.iterations()),
+                                                    benchmark::Counter::kIsRate);
   }
 }
 
@@ -85,7 +86,8 @@ void BM_RawLoop_2448x2048_Mono8(benchmark::State& state) {
   const double frameBytes = double{kLargeWidth} * kLargeHeight;
   if (RunLoop(state, kLargeWidth, kLargeHeight, 8)) {
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * frameBytes));
-    state.counters["frames/s"] = benchmark::Counter(static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
+    state.counters["frames/s"] = benchmark::Counter(static_cast<double>(state.iterations()),
+                                                    benchmark::Counter::kIsRate);
   }
 }
 
@@ -94,7 +96,8 @@ void BM_RawLoop_2448x2048_RGB8(benchmark::State& state) {
   const double frameBytes = 3.0 * kLargeWidth * kLargeHeight;
   if (RunLoop(state, kLargeWidth, kLargeHeight, 8, "RGB8")) {
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * frameBytes));
-    state.counters["frames/s"] = benchmark::Counter(static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
+    state.counters["frames/s"] = benchmark::Counter(static_cast<double>(state.iterations()),
+                                                    benchmark::Counter::kIsRate);
   }
 }
 
@@ -124,7 +127,9 @@ public:
     for (const Run& run : runs) {
       const std::string name = run.benchmark_name();
       const double seconds = run.GetAdjustedRealTime() * 1e-9 *
-                             (run.time_unit == benchmark::kMillisecond ? 1e6 : run.time_unit == benchmark::kMicrosecond ? 1e3 : 1.0);
+                             (run.time_unit == benchmark::kMillisecond   ? 1e6
+                              : run.time_unit == benchmark::kMicrosecond ? 1e3
+                                                                         : 1.0);
       if (seconds <= 0) {
         continue;
       }
@@ -142,7 +147,7 @@ public:
   }
 };
 
-} // namespace
+}  // namespace
 
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
@@ -152,8 +157,9 @@ int main(int argc, char** argv) {
   std::printf("\nSummary\n");
   std::printf("  64x64 Mono8 raw loop:      %.0f frames/s (goal: at least 100000)\n", g_smallFramesPerSecond);
   if (g_memcpyBytesPerSecond > 0) {
-    std::printf("  2448x2048 Mono8 raw loop:  %.2f GB/s, memcpy of the same size %.2f GB/s, ratio %.2f (goal: at least 0.5)\n",
-                g_largeBytesPerSecond / 1e9, g_memcpyBytesPerSecond / 1e9, g_largeBytesPerSecond / g_memcpyBytesPerSecond);
+    std::printf(
+        "  2448x2048 Mono8 raw loop:  %.2f GB/s, memcpy of the same size %.2f GB/s, ratio %.2f (goal: at least 0.5)\n",
+        g_largeBytesPerSecond / 1e9, g_memcpyBytesPerSecond / 1e9, g_largeBytesPerSecond / g_memcpyBytesPerSecond);
     std::printf("  2448x2048 RGB8 raw loop:   %.2f GB/s (%.2f of the memcpy rate)\n", g_rgbBytesPerSecond / 1e9,
                 g_rgbBytesPerSecond / g_memcpyBytesPerSecond);
   }

@@ -34,9 +34,7 @@ int32_t MemoryRead(void* context, char* buffer, uint32_t* size, uint32_t) {
   return CL_ERR_NO_ERR;
 }
 
-int32_t MemoryWrite(void*, const char*, uint32_t*, uint32_t) {
-  return CL_ERR_NO_ERR;
-}
+int32_t MemoryWrite(void*, const char*, uint32_t*, uint32_t) { return CL_ERR_NO_ERR; }
 int32_t MemoryFlush(void* context) {
   auto* memory = static_cast<SMemorySerial*>(context);
   memory->offset = memory->size;
@@ -46,11 +44,9 @@ int32_t MemoryRates(void*, uint32_t* rates) {
   *rates = CL_BAUDRATE_9600;
   return CL_ERR_NO_ERR;
 }
-int32_t MemorySetRate(void*, uint32_t) {
-  return CL_ERR_NO_ERR;
-}
+int32_t MemorySetRate(void*, uint32_t) { return CL_ERR_NO_ERR; }
 
-} // namespace
+}  // namespace
 
 extern "C" int TALVIR_FUZZ_ENTRY(const uint8_t* data, size_t size) {
   size_t offset = 0;
@@ -80,7 +76,7 @@ extern "C" int TALVIR_FUZZ_ENTRY(const uint8_t* data, size_t size) {
   uint8_t buffer[16] = {};
   const int32_t status = link.ReadMem(serial, 0, buffer, 4, 10);
   if (status == CL_ERR_PENDING_WRITE) {
-    __builtin_trap(); // reads never stay pending
+    __builtin_trap();  // reads never stay pending
   }
   return 0;
 }

@@ -61,9 +61,9 @@ public:
   void Write(const void* pBuffer, int64_t Address, int64_t Length) override;
 
 private:
-  mutable std::mutex m_lock; // one command at a time on the link
+  mutable std::mutex m_lock;  // one command at a time on the link
   std::unique_ptr<CConnection> m_connection;
   uint32_t m_registerTimeoutMs = 500;
 };
 
-} // namespace CLProtocol
+}  // namespace CLProtocol

@@ -29,9 +29,9 @@ using CLPCookie = void*;
 
 // Parameters of clpGetParam / clpSetParam / clpIsParamSupported (values are 4 bytes, little-endian host order).
 enum ECLPParam : uint32_t {
-  CLP_PARAM_BAUDRATE = 1,        // the link's current baud-rate bit; setting it switches device and host
-  CLP_PARAM_DEFAULT_TIMEOUT = 2, // register time-out in ms used when a call passes 0
-  CLP_PARAM_MAX_BAUDRATES = 3    // read-only: the baud-rate bits both device and host support
+  CLP_PARAM_BAUDRATE = 1,         // the link's current baud-rate bit; setting it switches device and host
+  CLP_PARAM_DEFAULT_TIMEOUT = 2,  // register time-out in ms used when a call passes 0
+  CLP_PARAM_MAX_BAUDRATES = 3     // read-only: the baud-rate bits both device and host support
 };
 
 using PFclpInitLib = int32_t (*)();
@@ -67,4 +67,4 @@ using PFclpSetParam = int32_t (*)(const CLPSerial* serial, CLPCookie cookie, uin
 using PFclpIsParamSupported = int32_t (*)(uint32_t param);
 }
 
-} // namespace CLProtocol
+}  // namespace CLProtocol

@@ -76,4 +76,4 @@ using PFclSerialClose = void (*)(CLSerialRef reference);
 using PFclGetErrorText = int32_t (*)(int32_t status, char* text, uint32_t* size);
 }
 
-} // namespace CLProtocol
+}  // namespace CLProtocol

@@ -13,7 +13,7 @@ struct SProbeAnswer {
   std::string model;
   std::string version;
   std::string serialNumber;
-  std::string extra; // empty when absent
+  std::string extra;  // empty when absent
   bool hasExtra = false;
 };
 
@@ -24,4 +24,4 @@ CLPROTOCOL_API bool ParseProbeAnswer(const std::string& answer, SProbeAnswer& pa
 // a path without a separator is returned unchanged.
 CLPROTOCOL_API std::string DeviceIdPartOfDriverPath(const std::string& driverPath);
 
-} // namespace CLProtocol
+}  // namespace CLProtocol

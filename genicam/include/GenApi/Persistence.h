@@ -20,22 +20,22 @@ namespace GenApi {
 
 // Which features SaveFeatures writes (always only those that are readable and writable at that moment).
 enum EFeatureSelection {
-  fsStreamable, // the features the description marks Streamable: the device's settings, as its maker sees them
-  fsAllWritable // every feature under the Root category, whether marked Streamable or not (descriptions that mark
-                // nothing Streamable)
+  fsStreamable,  // the features the description marks Streamable: the device's settings, as its maker sees them
+  fsAllWritable  // every feature under the Root category, whether marked Streamable or not (descriptions that mark
+                 // nothing Streamable)
 };
 
 // A feature that could not be saved or loaded.
 struct SFeatureIssue {
-  size_t Line = 0; // line of the settings text (LoadFeatures), 0 for SaveFeatures
+  size_t Line = 0;  // line of the settings text (LoadFeatures), 0 for SaveFeatures
   gcstring Name;
-  gcstring Value;  // the value as written in the text (LoadFeatures)
-  gcstring Reason; // the engine's message, or what was wrong with the line
+  gcstring Value;   // the value as written in the text (LoadFeatures)
+  gcstring Reason;  // the engine's message, or what was wrong with the line
 };
 
 struct CFeatureLoadResult {
-  size_t Applied = 0;                  // lines whose value was set
-  std::vector<SFeatureIssue> Failures; // lines that could not be set, in text order
+  size_t Applied = 0;                   // lines whose value was set
+  std::vector<SFeatureIssue> Failures;  // lines that could not be set, in text order
 };
 
 // Writes the settings of the node map. Selectors are set to each of their values while saving and put back as they
@@ -54,4 +54,4 @@ GENICAM_API gcstring EscapeFeatureValue(const gcstring& value);
 // False for a backslash followed by anything but \, t, n or r, or a trailing backslash.
 GENICAM_API bool UnescapeFeatureValue(const gcstring& text, gcstring& value);
 
-} // namespace GenApi
+}  // namespace GenApi

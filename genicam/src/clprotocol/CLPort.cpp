@@ -47,7 +47,7 @@ std::unique_ptr<CConnection> OpenPort(const std::string& portId) {
   throw RUNTIME_EXCEPTION("%s: %s (%d)", what.c_str(), text.c_str(), static_cast<int>(status));
 }
 
-} // namespace
+}  // namespace
 
 CCLPort::CCLPort() = default;
 
@@ -155,8 +155,8 @@ uint32_t CCLPort::GetBaudRate() {
     throw ACCESS_EXCEPTION("GetBaudRate: the port is not connected");
   }
   uint32_t rate = 0;
-  const int32_t status =
-      m_connection->Driver()->GetParam(m_connection->Serial(), m_connection->Cookie(), CLP_PARAM_BAUDRATE, rate);
+  const int32_t status = m_connection->Driver()->GetParam(m_connection->Serial(), m_connection->Cookie(),
+                                                          CLP_PARAM_BAUDRATE, rate);
   if (status != CL_ERR_NO_ERR) {
     RaiseFor(*m_connection->Driver(), m_connection->Cookie(), status, "Reading the baud rate");
   }
@@ -169,8 +169,8 @@ uint32_t CCLPort::GetSupportedBaudRates() {
     throw ACCESS_EXCEPTION("GetSupportedBaudRates: the port is not connected");
   }
   uint32_t rates = 0;
-  const int32_t status =
-      m_connection->Driver()->GetParam(m_connection->Serial(), m_connection->Cookie(), CLP_PARAM_MAX_BAUDRATES, rates);
+  const int32_t status = m_connection->Driver()->GetParam(m_connection->Serial(), m_connection->Cookie(),
+                                                          CLP_PARAM_MAX_BAUDRATES, rates);
   if (status != CL_ERR_NO_ERR) {
     RaiseFor(*m_connection->Driver(), m_connection->Cookie(), status, "Reading the supported baud rates");
   }
@@ -182,8 +182,8 @@ void CCLPort::SetBaudRate(uint32_t rateBit) {
   if (!m_connection) {
     throw ACCESS_EXCEPTION("SetBaudRate: the port is not connected");
   }
-  const int32_t status =
-      m_connection->Driver()->SetParam(m_connection->Serial(), m_connection->Cookie(), CLP_PARAM_BAUDRATE, rateBit);
+  const int32_t status = m_connection->Driver()->SetParam(m_connection->Serial(), m_connection->Cookie(),
+                                                          CLP_PARAM_BAUDRATE, rateBit);
   if (status != CL_ERR_NO_ERR) {
     RaiseFor(*m_connection->Driver(), m_connection->Cookie(), status,
              "Switching to baud-rate bit " + std::to_string(rateBit));
@@ -246,4 +246,4 @@ void CCLPort::Write(const void* pBuffer, int64_t Address, int64_t Length) {
   }
 }
 
-} // namespace CLProtocol
+}  // namespace CLProtocol

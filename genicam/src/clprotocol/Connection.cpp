@@ -71,4 +71,4 @@ int32_t CConnection::SetRateThunk(void* context, uint32_t rate) {
   return self->m_library->SetBaudRate(self->m_reference, rate);
 }
 
-} // namespace CLProtocol
+}  // namespace CLProtocol

@@ -41,4 +41,4 @@ private:
   CLPCookie m_cookie = nullptr;
 };
 
-} // namespace CLProtocol
+}  // namespace CLProtocol

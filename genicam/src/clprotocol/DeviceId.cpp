@@ -53,4 +53,4 @@ bool SplitDeviceId(const std::string& deviceId, std::string& directory, std::str
   return true;
 }
 
-} // namespace CLProtocol
+}  // namespace CLProtocol

@@ -18,4 +18,4 @@ bool DeviceIdMatchesTemplate(const std::string& deviceId, const std::string& sho
 // than three tokens or an empty folder or file.
 bool SplitDeviceId(const std::string& deviceId, std::string& directory, std::string& driverFile, std::string& shortId);
 
-} // namespace CLProtocol
+}  // namespace CLProtocol

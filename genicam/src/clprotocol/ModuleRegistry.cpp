@@ -14,7 +14,7 @@ std::string WithoutTrailingSeparator(std::string folder) {
   return folder;
 }
 
-} // namespace
+}  // namespace
 
 CModuleRegistry& CModuleRegistry::Instance() {
   // Never destroyed: modules stay loaded until the process ends, so that no serial library or driver is unloaded
@@ -135,4 +135,4 @@ bool CModuleRegistry::FindPort(const std::string& portId, std::shared_ptr<CSeria
   return false;
 }
 
-} // namespace CLProtocol
+}  // namespace CLProtocol

@@ -42,8 +42,8 @@ private:
   std::shared_ptr<CSerialLibrary> LibraryLocked(const std::string& path);
 
   std::mutex m_lock;
-  std::vector<std::pair<std::string, std::shared_ptr<CSerialLibrary>>> m_libraries; // null entry: not usable
-  std::vector<std::pair<std::string, std::shared_ptr<CProtocolDriver>>> m_drivers;  // null entry: not usable
+  std::vector<std::pair<std::string, std::shared_ptr<CSerialLibrary>>> m_libraries;  // null entry: not usable
+  std::vector<std::pair<std::string, std::shared_ptr<CProtocolDriver>>> m_drivers;   // null entry: not usable
 };
 
-} // namespace CLProtocol
+}  // namespace CLProtocol

@@ -32,4 +32,4 @@ std::string DeviceIdPartOfDriverPath(const std::string& driverPath) {
   return text;
 }
 
-} // namespace CLProtocol
+}  // namespace CLProtocol

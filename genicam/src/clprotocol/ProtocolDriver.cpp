@@ -116,7 +116,7 @@ int32_t CProtocolDriver::GetXMLDescription(const CLPSerial* serial, CLPCookie co
     return status;
   }
   if (status == CL_ERR_NO_ERR && size == 0) {
-    bytes.clear(); // an empty file
+    bytes.clear();  // an empty file
     return CL_ERR_NO_ERR;
   }
   bytes.assign(size, '\0');
@@ -164,4 +164,4 @@ int32_t CProtocolDriver::SetParam(const CLPSerial* serial, CLPCookie cookie, uin
   return m_setParam(serial, cookie, param, reinterpret_cast<const char*>(&value), sizeof value);
 }
 
-} // namespace CLProtocol
+}  // namespace CLProtocol

@@ -58,4 +58,4 @@ private:
   PFclpSetParam m_setParam = nullptr;
 };
 
-} // namespace CLProtocol
+}  // namespace CLProtocol

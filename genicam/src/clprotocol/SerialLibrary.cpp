@@ -107,4 +107,4 @@ std::string CSerialLibrary::ErrorText(int32_t status) const {
   return StatusText(status);
 }
 
-} // namespace CLProtocol
+}  // namespace CLProtocol

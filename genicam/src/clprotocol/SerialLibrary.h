@@ -53,4 +53,4 @@ private:
   PFclGetErrorText m_getErrorText = nullptr;
 };
 
-} // namespace CLProtocol
+}  // namespace CLProtocol

@@ -10,7 +10,7 @@ namespace {
 
 constexpr int kMaxPasses = 4;
 
-} // namespace
+}  // namespace
 
 CFeatureReader::CFeatureReader(INodeMap& nodeMap) : m_nodeMap(nodeMap) {}
 
@@ -24,7 +24,7 @@ CFeatureLoadResult CFeatureReader::Load(const gcstring& text) {
     size_t applied = 0;
     std::vector<SFeatureIssue> again = Pass(lines, applied);
     if (again.size() >= failures.size()) {
-      break; // no progress: a further pass would fail the same way
+      break;  // no progress: a further pass would fail the same way
     }
     failures = std::move(again);
     result.Applied = applied;
@@ -105,8 +105,8 @@ gcstring CFeatureReader::Set(const SLine& line) {
   } catch (const GenICam::GenericException& error) {
     return gcstring(error.GetDescription());
   } catch (const std::exception& error) {
-    return gcstring(error.what()); // a user port's own exception
+    return gcstring(error.what());  // a user port's own exception
   }
 }
 
-} // namespace GenApi
+}  // namespace GenApi

@@ -16,8 +16,8 @@ private:
   struct SLine {
     size_t Number;
     gcstring Name;
-    gcstring Value;   // unescaped
-    gcstring Written; // as in the text
+    gcstring Value;    // unescaped
+    gcstring Written;  // as in the text
   };
   // Splits the text into lines to set; malformed lines go to `failures`.
   std::vector<SLine> Parse(const gcstring& text, std::vector<SFeatureIssue>& failures) const;
@@ -29,4 +29,4 @@ private:
   INodeMap& m_nodeMap;
 };
 
-} // namespace GenApi
+}  // namespace GenApi

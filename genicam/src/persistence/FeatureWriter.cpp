@@ -25,10 +25,8 @@ bool HasValueInterface(INode* node) {
   case intfIBoolean:
   case intfIEnumeration:
   case intfIString:
-  case intfIRegister:
-    return true;
-  default:
-    return false;
+  case intfIRegister: return true;
+  default: return false;
   }
 }
 
@@ -42,7 +40,7 @@ bool SelectsSomething(INode* node) {
   return !selected.empty();
 }
 
-} // namespace
+}  // namespace
 
 CFeatureWriter::CFeatureWriter(INodeMap& nodeMap, EFeatureSelection selection)
     : m_nodeMap(nodeMap), m_selection(selection) {}
@@ -123,7 +121,7 @@ bool CFeatureWriter::IsSetting(INode* node) const {
     }
     return m_selection == fsStreamable ? node->IsStreamable() : node->IsFeature();
   } catch (const std::exception&) {
-    return false; // an access mode that cannot be determined (a port that is not there): not a setting now
+    return false;  // an access mode that cannot be determined (a port that is not there): not a setting now
   }
 }
 
@@ -226,7 +224,7 @@ void CFeatureWriter::WriteSelector(INode* selector, std::string& out) {
     try {
       value->FromString(each);
     } catch (const std::exception&) {
-      continue; // a value the selector lists but refuses now (it depends on another setting): nothing to keep
+      continue;  // a value the selector lists but refuses now (it depends on another setting): nothing to keep
     }
     std::string body;
     try {
@@ -305,4 +303,4 @@ void CFeatureWriter::WriteValue(INode* node, std::string& out) {
   }
 }
 
-} // namespace GenApi
+}  // namespace GenApi

@@ -37,9 +37,9 @@ private:
 
   INodeMap& m_nodeMap;
   EFeatureSelection m_selection;
-  std::set<INode*> m_written;            // selectors whose block is written, features written at the top level
-  std::vector<INode*> m_activeSelectors; // selectors being iterated, outermost first (guards against cycles)
+  std::set<INode*> m_written;             // selectors whose block is written, features written at the top level
+  std::vector<INode*> m_activeSelectors;  // selectors being iterated, outermost first (guards against cycles)
   std::vector<SFeatureIssue> m_skipped;
 };
 
-} // namespace GenApi
+}  // namespace GenApi

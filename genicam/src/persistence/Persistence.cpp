@@ -15,30 +15,18 @@ gcstring SaveFeatures(INodeMap& nodeMap, EFeatureSelection selection, std::vecto
   return text;
 }
 
-CFeatureLoadResult LoadFeatures(INodeMap& nodeMap, const gcstring& text) {
-  return CFeatureReader(nodeMap).Load(text);
-}
+CFeatureLoadResult LoadFeatures(INodeMap& nodeMap, const gcstring& text) { return CFeatureReader(nodeMap).Load(text); }
 
 gcstring EscapeFeatureValue(const gcstring& value) {
   std::string text;
   text.reserve(value.size());
   for (char c : value) {
     switch (c) {
-    case '\\':
-      text += "\\\\";
-      break;
-    case '\t':
-      text += "\\t";
-      break;
-    case '\n':
-      text += "\\n";
-      break;
-    case '\r':
-      text += "\\r";
-      break;
-    default:
-      text += c;
-      break;
+    case '\\': text += "\\\\"; break;
+    case '\t': text += "\\t"; break;
+    case '\n': text += "\\n"; break;
+    case '\r': text += "\\r"; break;
+    default: text += c; break;
     }
   }
   return gcstring(text);
@@ -56,24 +44,15 @@ bool UnescapeFeatureValue(const gcstring& text, gcstring& value) {
       return false;
     }
     switch (text[index]) {
-    case '\\':
-      out += '\\';
-      break;
-    case 't':
-      out += '\t';
-      break;
-    case 'n':
-      out += '\n';
-      break;
-    case 'r':
-      out += '\r';
-      break;
-    default:
-      return false;
+    case '\\': out += '\\'; break;
+    case 't': out += '\t'; break;
+    case 'n': out += '\n'; break;
+    case 'r': out += '\r'; break;
+    default: return false;
     }
   }
   value = gcstring(out);
   return true;
 }
 
-} // namespace GenApi
+}  // namespace GenApi

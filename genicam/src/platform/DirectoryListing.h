@@ -10,5 +10,5 @@ namespace Platform {
 // `suffix`, both compared exactly, sorted by name. A missing or unreadable folder gives an empty list.
 std::vector<std::string> ListFiles(const std::string& directory, const std::string& prefix, const std::string& suffix);
 
-} // namespace Platform
-} // namespace GenICam
+}  // namespace Platform
+}  // namespace GenICam

@@ -31,5 +31,5 @@ std::vector<std::string> ListFiles(const std::string& directory, const std::stri
   return names;
 }
 
-} // namespace Platform
-} // namespace GenICam
+}  // namespace Platform
+}  // namespace GenICam

@@ -32,7 +32,8 @@ public:
   bool IsLoaded() const { return m_handle != nullptr; }
 
   // The symbol cast to the function-pointer type the caller expects, or null.
-  template <typename TFunction> TFunction Symbol(const char* symbolName) const {
+  template <typename TFunction>
+  TFunction Symbol(const char* symbolName) const {
     return reinterpret_cast<TFunction>(FindSymbol(m_handle, symbolName));
   }
 
@@ -40,5 +41,5 @@ private:
   ModuleHandle m_handle = nullptr;
 };
 
-} // namespace Platform
-} // namespace GenICam
+}  // namespace Platform
+}  // namespace GenICam

@@ -18,7 +18,7 @@ void SetLastError(const std::string& text) {
   g_lastError = text;
 }
 
-} // namespace
+}  // namespace
 
 ModuleHandle LoadModule(const std::string& path) {
   if (path.empty()) {
@@ -54,5 +54,5 @@ std::string LastModuleError() {
   return g_lastError;
 }
 
-} // namespace Platform
-} // namespace GenICam
+}  // namespace Platform
+}  // namespace GenICam

@@ -18,5 +18,5 @@ void SetEnvironmentVariable(const std::string& name, const std::string& value);
 // list separator, ':' here; ';' is accepted as well so that one setting can serve both platforms). Empty when unset.
 std::vector<std::string> EnvironmentPathList(const std::string& name);
 
-} // namespace Platform
-} // namespace GenICam
+}  // namespace Platform
+}  // namespace GenICam

@@ -44,5 +44,5 @@ std::vector<std::string> EnvironmentPathList(const std::string& name) {
   return entries;
 }
 
-} // namespace Platform
-} // namespace GenICam
+}  // namespace Platform
+}  // namespace GenICam

@@ -41,5 +41,5 @@ private:
   std::string m_slaveName;
 };
 
-} // namespace Platform
-} // namespace GenICam
+}  // namespace Platform
+}  // namespace GenICam

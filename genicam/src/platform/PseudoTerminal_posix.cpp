@@ -109,24 +109,15 @@ uint32_t CPseudoTerminal::ClientBaudRate() const {
     return 0;
   }
   switch (cfgetospeed(&settings)) {
-  case B9600:
-    return 9600;
-  case B19200:
-    return 19200;
-  case B38400:
-    return 38400;
-  case B57600:
-    return 57600;
-  case B115200:
-    return 115200;
-  case B230400:
-    return 230400;
-  case B460800:
-    return 460800;
-  case B921600:
-    return 921600;
-  default:
-    return 0;
+  case B9600: return 9600;
+  case B19200: return 19200;
+  case B38400: return 38400;
+  case B57600: return 57600;
+  case B115200: return 115200;
+  case B230400: return 230400;
+  case B460800: return 460800;
+  case B921600: return 921600;
+  default: return 0;
   }
 }
 
@@ -148,5 +139,5 @@ void CPseudoTerminal::Close() {
   }
 }
 
-} // namespace Platform
-} // namespace GenICam
+}  // namespace Platform
+}  // namespace GenICam

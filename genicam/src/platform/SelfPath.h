@@ -15,5 +15,5 @@ std::string OwnModuleDirectory();
 // The path separator of this platform.
 constexpr char kPathSeparator = '/';
 
-} // namespace Platform
-} // namespace GenICam
+}  // namespace Platform
+}  // namespace GenICam

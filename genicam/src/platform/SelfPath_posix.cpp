@@ -23,5 +23,5 @@ std::string OwnModuleDirectory() {
   return path.substr(0, separator + 1);
 }
 
-} // namespace Platform
-} // namespace GenICam
+}  // namespace Platform
+}  // namespace GenICam

@@ -9,9 +9,9 @@ namespace Platform {
 
 enum class ESerialResult {
   Ok,
-  Timeout, // not everything arrived (or left) in time
-  Gone,    // the device hung up: unplugged adapter, closed pseudo-terminal
-  Failed   // any other failure of the operating system
+  Timeout,  // not everything arrived (or left) in time
+  Gone,     // the device hung up: unplugged adapter, closed pseudo-terminal
+  Failed    // any other failure of the operating system
 };
 
 class CSerialDevice {
@@ -51,5 +51,5 @@ private:
   std::string m_pending;
 };
 
-} // namespace Platform
-} // namespace GenICam
+}  // namespace Platform
+}  // namespace GenICam

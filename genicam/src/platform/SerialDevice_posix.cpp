@@ -17,32 +17,15 @@ using Clock = std::chrono::steady_clock;
 
 bool SpeedOf(uint32_t baud, speed_t& speed) {
   switch (baud) {
-  case 9600:
-    speed = B9600;
-    return true;
-  case 19200:
-    speed = B19200;
-    return true;
-  case 38400:
-    speed = B38400;
-    return true;
-  case 57600:
-    speed = B57600;
-    return true;
-  case 115200:
-    speed = B115200;
-    return true;
-  case 230400:
-    speed = B230400;
-    return true;
-  case 460800:
-    speed = B460800;
-    return true;
-  case 921600:
-    speed = B921600;
-    return true;
-  default:
-    return false;
+  case 9600: speed = B9600; return true;
+  case 19200: speed = B19200; return true;
+  case 38400: speed = B38400; return true;
+  case 57600: speed = B57600; return true;
+  case 115200: speed = B115200; return true;
+  case 230400: speed = B230400; return true;
+  case 460800: speed = B460800; return true;
+  case 921600: speed = B921600; return true;
+  default: return false;
   }
 }
 
@@ -51,11 +34,9 @@ int RemainingMs(Clock::time_point deadline) {
   return left > 0 ? static_cast<int>(left) : 0;
 }
 
-} // namespace
+}  // namespace
 
-CSerialDevice::~CSerialDevice() {
-  Close();
-}
+CSerialDevice::~CSerialDevice() { Close(); }
 
 bool CSerialDevice::Open(const std::string& path, std::string& error) {
   Close();
@@ -196,5 +177,5 @@ bool CSerialDevice::IsSupportedBaudRate(uint32_t baud) {
   return SpeedOf(baud, speed);
 }
 
-} // namespace Platform
-} // namespace GenICam
+}  // namespace Platform
+}  // namespace GenICam

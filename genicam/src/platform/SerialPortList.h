@@ -7,8 +7,8 @@ namespace GenICam {
 namespace Platform {
 
 struct SSerialPortInfo {
-  std::string path;        // device file, for example /dev/ttyUSB0
-  std::string description; // what the system says about it (adapter product name, or the device name)
+  std::string path;         // device file, for example /dev/ttyUSB0
+  std::string description;  // what the system says about it (adapter product name, or the device name)
 };
 
 // The ports /dev/ttyS*, /dev/ttyUSB* and /dev/ttyACM* that exist now, sorted by path.
@@ -17,5 +17,5 @@ std::vector<SSerialPortInfo> ListSystemSerialPorts();
 // Whether `path` names an openable terminal device (used for pseudo-terminals named in settings).
 bool IsTerminalDevice(const std::string& path);
 
-} // namespace Platform
-} // namespace GenICam
+}  // namespace Platform
+}  // namespace GenICam

@@ -21,7 +21,7 @@ bool IsPcSerialName(const std::string& path) {
   return false;
 }
 
-} // namespace
+}  // namespace
 
 std::vector<SSerialPortInfo> ListSystemSerialPorts() {
   std::vector<SSerialPortInfo> ports;
@@ -48,5 +48,5 @@ bool IsTerminalDevice(const std::string& path) {
   return stat(path.c_str(), &info) == 0 && S_ISCHR(info.st_mode);
 }
 
-} // namespace Platform
-} // namespace GenICam
+}  // namespace Platform
+}  // namespace GenICam

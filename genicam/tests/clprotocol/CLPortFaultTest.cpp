@@ -28,7 +28,7 @@ std::string ReadVersion(CCLPort& port) {
   }
 }
 
-} // namespace
+}  // namespace
 
 class SerialFaultTest : public SerialLinkTest {
 protected:

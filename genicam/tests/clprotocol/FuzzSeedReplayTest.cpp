@@ -26,7 +26,7 @@ std::vector<std::string> SeedsOf(const std::string& folder) {
   return seeds;
 }
 
-} // namespace
+}  // namespace
 
 TEST(ClProtocolFuzzSeeds, GenCPSeedsPass) {
   const std::vector<std::string> seeds = SeedsOf("gencp");

@@ -52,7 +52,7 @@ protected:
   GenCP::CGenCPLink m_link;
 };
 
-} // namespace
+}  // namespace
 
 TEST_F(GenCPLinkTest, StackedWritesAndReads) {
   std::vector<GenCP::SStackedEntry> writes(2);

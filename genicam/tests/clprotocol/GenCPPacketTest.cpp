@@ -22,7 +22,7 @@ const std::vector<uint8_t> kReadMemVector =
 const std::vector<uint8_t> kReadMemAckVector = Bytes({0x01, 0x00, 0xf7, 0xf9, 0xf7, 0xf5, 0x00, 0x00, 0x00, 0x00,
                                                       0x08, 0x01, 0x00, 0x04, 0x00, 0x01, 0x00, 0x01, 0x00, 0x03});
 
-} // namespace
+}  // namespace
 
 TEST(GenCPPacket, EncodesTheReadMemTestVector) {
   SPacket command;

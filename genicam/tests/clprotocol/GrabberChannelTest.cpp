@@ -22,7 +22,7 @@ std::string DriverTemplate() {
   return {};
 }
 
-} // namespace
+}  // namespace
 
 TEST(GrabberChannel, ChannelsAreListedAsGrabberPorts) {
   GenICam::gcstring_vector ports;

@@ -22,9 +22,7 @@ SCameraConfig SlowPacedCamera() {
   return config;
 }
 
-double LineMs(size_t bytes, uint32_t baud) {
-  return static_cast<double>(bytes) * 10.0 * 1000.0 / baud;
-}
+double LineMs(size_t bytes, uint32_t baud) { return static_cast<double>(bytes) * 10.0 * 1000.0 / baud; }
 
 TEST_F(SerialLinkTest, APacedRoundTripTakesAtLeastTheWireTimeOfItsBytes) {
   StartCamera(SlowPacedCamera());
@@ -51,4 +49,4 @@ TEST_F(SerialLinkTest, AFullPacketAtNineThousandSixHundredBaudIsWaitedFor) {
   EXPECT_EQ(std::string(bytes.begin(), bytes.end()), description.substr(0, bytes.size()));
 }
 
-} // namespace
+}  // namespace

@@ -10,18 +10,14 @@ void SerialLinkTest::StartCamera(const TalvirSerialCam::SCameraConfig& config) {
   GenICam::Platform::SetEnvironmentVariable("TALVIR_SERIAL_PORTS", m_camera->PortPath());
 }
 
-void SerialLinkTest::SetUp() {
-  StartCamera(TalvirSerialCam::SCameraConfig());
-}
+void SerialLinkTest::SetUp() { StartCamera(TalvirSerialCam::SCameraConfig()); }
 
 void SerialLinkTest::TearDown() {
   m_camera.reset();
   GenICam::Platform::SetEnvironmentVariable("TALVIR_SERIAL_PORTS", "");
 }
 
-std::string SerialLinkTest::PortId() const {
-  return "COM_Port#" + m_camera->PortPath();
-}
+std::string SerialLinkTest::PortId() const { return "COM_Port#" + m_camera->PortPath(); }
 
 std::string SerialLinkTest::DriverTemplate() {
   GenICam::gcstring_vector templates;

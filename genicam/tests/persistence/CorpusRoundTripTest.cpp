@@ -71,7 +71,7 @@ TEST(CorpusRoundTrip, StreamableSettingsLoadBack) {
     SCOPED_TRACE(file);
     const std::string description = ReadFileBytes(file);
     if (description.find("<Streamable>Yes") == std::string::npos) {
-      continue; // nothing marked streamable (or zipped): the test above covers it
+      continue;  // nothing marked streamable (or zipped): the test above covers it
     }
     const SRoundTrip trip = RoundTrip(description, GenApi::fsStreamable, [](CDevice&) {});
     EXPECT_TRUE(trip.Repeatable);
@@ -82,5 +82,5 @@ TEST(CorpusRoundTrip, StreamableSettingsLoadBack) {
   EXPECT_LT(lost * 20, lines) << lost << " of " << lines;
 }
 
-} // namespace
-} // namespace PersistenceTest
+}  // namespace
+}  // namespace PersistenceTest

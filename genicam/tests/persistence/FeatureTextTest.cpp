@@ -24,16 +24,16 @@ TEST(FeatureText, ReportsEveryBadLineWithItsNumberAndGoesOn) {
   device.Set("OffsetXReg", "0");
   const std::string text = "# comment\n"
                            "\n"
-                           "NoSuchFeature\t1\n"    // 3
-                           "Serial\t5\n"           // 4: read-only
-                           "Gain\t5000\n"          // 5: above Max
-                           "Gain\tloud\n"          // 6: not a number
-                           "GainSelector\tGreen\n" // 7: no such entry
-                           "Width 12\n"            // 8: no TAB
-                           "\t12\n"                // 9: no name
-                           "Label\tbad\\q\n"       // 10: bad escape
-                           "Reset\t1\n"            // 11: a command has no value to set
-                           "Width\t12\r\n";        // 12: set, despite the carriage return
+                           "NoSuchFeature\t1\n"     // 3
+                           "Serial\t5\n"            // 4: read-only
+                           "Gain\t5000\n"           // 5: above Max
+                           "Gain\tloud\n"           // 6: not a number
+                           "GainSelector\tGreen\n"  // 7: no such entry
+                           "Width 12\n"             // 8: no TAB
+                           "\t12\n"                 // 9: no name
+                           "Label\tbad\\q\n"        // 10: bad escape
+                           "Reset\t1\n"             // 11: a command has no value to set
+                           "Width\t12\r\n";         // 12: set, despite the carriage return
   const GenApi::CFeatureLoadResult result = GenApi::LoadFeatures(device.Map(), text);
   ASSERT_EQ(result.Failures.size(), 9u);
   const size_t lines[] = {3, 4, 5, 6, 7, 8, 9, 10, 11};
@@ -66,7 +66,7 @@ TEST(FeatureText, UnreadableFeaturesAreListedAsSkipped) {
   CDevice device(kDescription, 3);
   device.Set("LUTSelector", "Luminance");
   device.Set("LUTIndex", "0");
-  device.Set("GainSelectorReg", "7"); // no entry has the value 7: the selector cannot be read
+  device.Set("GainSelectorReg", "7");  // no entry has the value 7: the selector cannot be read
   std::vector<GenApi::SFeatureIssue> skipped;
   const std::string text = GenApi::SaveFeatures(device.Map(), GenApi::fsStreamable, &skipped);
   ASSERT_EQ(skipped.size(), 1u);
@@ -76,5 +76,5 @@ TEST(FeatureText, UnreadableFeaturesAreListedAsSkipped) {
   EXPECT_NE(text.find("Width\t"), std::string::npos) << text;
 }
 
-} // namespace
-} // namespace PersistenceTest
+}  // namespace
+}  // namespace PersistenceTest

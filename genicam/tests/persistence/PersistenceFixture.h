@@ -42,4 +42,4 @@ private:
   std::unique_ptr<TALVIR::Tools::CInspectNodeMap> m_map;
 };
 
-} // namespace PersistenceTest
+}  // namespace PersistenceTest

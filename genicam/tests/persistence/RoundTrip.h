@@ -14,10 +14,10 @@
 namespace PersistenceTest {
 
 struct SRoundTrip {
-  size_t Lines = 0;              // settings lines of the first text
-  size_t Failed = 0;             // lines loading reported as failed
-  std::vector<std::string> Lost; // lines neither found again nor reported
-  bool Repeatable = false;       // a second save of the first device gave the same text (selectors restored)
+  size_t Lines = 0;               // settings lines of the first text
+  size_t Failed = 0;              // lines loading reported as failed
+  std::vector<std::string> Lost;  // lines neither found again nor reported
+  bool Repeatable = false;        // a second save of the first device gave the same text (selectors restored)
 };
 
 inline std::vector<std::string> SettingLines(const std::string& text) {
@@ -62,4 +62,4 @@ SRoundTrip RoundTrip(const std::string& description, GenApi::EFeatureSelection s
   return trip;
 }
 
-} // namespace PersistenceTest
+}  // namespace PersistenceTest

@@ -68,7 +68,7 @@ TEST_F(SavedSettings, WritesEachSelectedValueAfterItsSelectorAndRestoresTheSelec
   EXPECT_EQ(lines[all + 3], "Gain\t20");
   EXPECT_EQ(lines[all + 4], "GainSelector\tBlue");
   EXPECT_EQ(lines[all + 5], "Gain\t30");
-  EXPECT_EQ(lines[all + 6], "GainSelector\tRed"); // the value found last, so that loading leaves it there
+  EXPECT_EQ(lines[all + 6], "GainSelector\tRed");  // the value found last, so that loading leaves it there
   EXPECT_EQ(std::count(lines.begin(), lines.end(), "Gain\t20"), 1);
   EXPECT_EQ(m_device.Get("GainSelector"), "Red");
   EXPECT_EQ(m_device.Get("Gain"), "20");
@@ -133,7 +133,7 @@ TEST_F(SavedSettings, LeavesOutReadOnlyCommandsAndWhatIsNotStreamableUnlessAsked
 TEST_F(SavedSettings, DependentLimitsLoadInALaterPass) {
   CDevice other(kDescription, 2);
   other.Set("WidthReg", "10");
-  other.Set("OffsetXReg", "85"); // Width 80 does not fit until OffsetX is 20
+  other.Set("OffsetXReg", "85");  // Width 80 does not fit until OffsetX is 20
   const GenApi::CFeatureLoadResult result = GenApi::LoadFeatures(other.Map(), "Width\t80\nOffsetX\t20\n");
   EXPECT_TRUE(result.Failures.empty());
   EXPECT_EQ(result.Applied, 2u);
@@ -141,5 +141,5 @@ TEST_F(SavedSettings, DependentLimitsLoadInALaterPass) {
   EXPECT_EQ(other.Get("OffsetX"), "20");
 }
 
-} // namespace
-} // namespace PersistenceTest
+}  // namespace
+}  // namespace PersistenceTest

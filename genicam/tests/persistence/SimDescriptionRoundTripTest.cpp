@@ -12,8 +12,8 @@ std::string SimDescription(const char* name) {
 
 // A camera as an application leaves it: unlocked, a region of interest, a trigger per selector value, some chunks.
 void Configure(CDevice& camera, bool alternative) {
-  camera.Poke(0x0F40, std::vector<uint8_t>(16, 0xFF)); // the model offers every pixel format
-  camera.Poke(0x0F28, {0, 0, 0, 1});                   // a GigE Vision camera: packet size and delay exist
+  camera.Poke(0x0F40, std::vector<uint8_t>(16, 0xFF));  // the model offers every pixel format
+  camera.Poke(0x0F28, {0, 0, 0, 1});                    // a GigE Vision camera: packet size and delay exist
   camera.Set("TLParamsLocked", "0");
   camera.Set("OffsetXReg", "0");
   camera.Set("OffsetYReg", "0");
@@ -41,10 +41,10 @@ void Configure(CDevice& camera, bool alternative) {
   camera.Set("AcquisitionMode", "MultiFrame");
   camera.Set("AcquisitionFrameCount", alternative ? "12" : "1");
   camera.Set("AcquisitionMode", alternative ? "MultiFrame" : "Continuous");
-  if (GenApi::IsWritable(camera.Node("AcquisitionFrameRate"))) { // area-scan models only
+  if (GenApi::IsWritable(camera.Node("AcquisitionFrameRate"))) {  // area-scan models only
     camera.Set("AcquisitionFrameRate", alternative ? "25.5" : "100");
   }
-  camera.Poke(0x02A4, {0x00, 0x00, 0x02, 0x40, 0x00, 0x00, 0x23, 0x28, 0x00, 0x00, 0x00, 0x04}); // 576..9000 step 4
+  camera.Poke(0x02A4, {0x00, 0x00, 0x02, 0x40, 0x00, 0x00, 0x23, 0x28, 0x00, 0x00, 0x00, 0x04});  // 576..9000 step 4
   camera.Set("GevSCPSPacketSize", alternative ? "8192" : "1496");
   camera.Set("GevSCPD", alternative ? "100" : "0");
   camera.Set("PartialImageOutputMode", alternative ? "PartialImageDiscard" : "PartialImageOutput");
@@ -92,7 +92,7 @@ TEST(SimDescriptionRoundTrip, LockedParametersAreReportedNotLost) {
   const std::string saved = GenApi::SaveFeatures(first.Map());
   CDevice second(description, 2);
   Configure(second, false);
-  second.Set("TLParamsLocked", "1"); // as while the camera streams
+  second.Set("TLParamsLocked", "1");  // as while the camera streams
   const GenApi::CFeatureLoadResult result = GenApi::LoadFeatures(second.Map(), saved);
   bool widthReported = false;
   for (const GenApi::SFeatureIssue& failure : result.Failures) {
@@ -100,7 +100,7 @@ TEST(SimDescriptionRoundTrip, LockedParametersAreReportedNotLost) {
   }
   EXPECT_TRUE(widthReported);
   EXPECT_EQ(second.Get("Width"), "640");
-  EXPECT_EQ(second.Get("ExposureTime"), "1234.5"); // not locked: loaded all the same
+  EXPECT_EQ(second.Get("ExposureTime"), "1234.5");  // not locked: loaded all the same
 }
 
 TEST(SimDescriptionRoundTrip, EveryModuleDescriptionRoundTrips) {
@@ -118,5 +118,5 @@ TEST(SimDescriptionRoundTrip, EveryModuleDescriptionRoundTrips) {
   }
 }
 
-} // namespace
-} // namespace PersistenceTest
+}  // namespace
+}  // namespace PersistenceTest

@@ -59,4 +59,4 @@ inline const char* kDescription = R"(<?xml version="1.0" encoding="utf-8"?>
 </RegisterDescription>
 )";
 
-} // namespace PersistenceTest
+}  // namespace PersistenceTest

@@ -40,8 +40,8 @@ int32_t CGrabberChannel::Read(char* buffer, uint32_t size, uint32_t timeoutMs) {
       return CLProtocol::CL_ERR_TIMEOUT;
     }
     // Nothing else produces bytes: wait for the camera's next timer or the time-out, whichever comes first.
-    const auto until =
-        m_engine.NextDeadline(now, std::chrono::duration_cast<std::chrono::milliseconds>(deadline - now));
+    const auto until = m_engine.NextDeadline(now,
+                                             std::chrono::duration_cast<std::chrono::milliseconds>(deadline - now));
     m_wake.wait_until(lock, std::min(until, deadline));
   }
 }
@@ -72,4 +72,4 @@ void CGrabberChannel::SetHostRate(uint32_t rateBit) {
   m_hostRate = rateBit;
 }
 
-} // namespace TalvirSerialCam
+}  // namespace TalvirSerialCam

@@ -33,4 +33,4 @@ private:
   bool m_open = false;
 };
 
-} // namespace TalvirSerialCam
+}  // namespace TalvirSerialCam

@@ -55,7 +55,7 @@ int32_t CopyText(const std::string& text, char* buffer, uint32_t* size) {
   return CL_ERR_NO_ERR;
 }
 
-} // namespace
+}  // namespace
 
 CL_EXPORT int32_t clGetNumSerialPorts(uint32_t* count) {
   if (count == nullptr) {

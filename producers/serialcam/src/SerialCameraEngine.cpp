@@ -9,7 +9,7 @@ namespace {
 
 using namespace CLProtocol::GenCP;
 
-} // namespace
+}  // namespace
 
 bool CSerialCameraEngine::ConsumeFault(EFault fault) {
   if (m_fault != fault || m_faultCount == 0) {
@@ -83,8 +83,8 @@ void CSerialCameraEngine::TakeBytes(const std::string& bytes, uint32_t hostRateB
   while (!m_received.empty()) {
     SPacket packet;
     size_t consumed = 0;
-    const EParse result =
-        Parse(reinterpret_cast<const uint8_t*>(m_received.data()), m_received.size(), packet, consumed);
+    const EParse result = Parse(reinterpret_cast<const uint8_t*>(m_received.data()), m_received.size(), packet,
+                                consumed);
     if (result == EParse::NeedMore) {
       break;
     }
@@ -152,10 +152,10 @@ void CSerialCameraEngine::HandleCommand(const SPacket& command) {
     if (command.requestId != m_busyCommand.requestId) {
       Acknowledge(command, STATUS_BUSY, {});
     }
-    return; // a resend of the slow command: the pending acknowledges answer it
+    return;  // a resend of the slow command: the pending acknowledges answer it
   }
   if (resent && m_hasLastAck && command.requestId == m_lastRequestId) {
-    Send(m_lastAck); // already executed: only the answer was lost
+    Send(m_lastAck);  // already executed: only the answer was lost
     return;
   }
   switch (command.commandId) {
@@ -179,12 +179,8 @@ void CSerialCameraEngine::HandleCommand(const SPacket& command) {
     HandleWrite(command, GetU64(command.scd.data()), command.scd.data() + 8, command.scd.size() - 8);
     return;
   case READMEM_STACKED_CMD:
-  case WRITEMEM_STACKED_CMD:
-    HandleStacked(command);
-    return;
-  default:
-    Acknowledge(command, STATUS_NOT_IMPLEMENTED, {});
-    return;
+  case WRITEMEM_STACKED_CMD: HandleStacked(command); return;
+  default: Acknowledge(command, STATUS_NOT_IMPLEMENTED, {}); return;
   }
 }
 
@@ -274,4 +270,4 @@ void CSerialCameraEngine::HandleStacked(const SPacket& command) {
   Acknowledge(command, STATUS_SUCCESS, answer);
 }
 
-} // namespace TalvirSerialCam
+}  // namespace TalvirSerialCam

@@ -15,21 +15,21 @@ namespace TalvirSerialCam {
 
 enum class EFault {
   None,
-  NoAnswer,         // commands are not answered
-  CorruptChecksum,  // answers carry a wrong header checksum
-  WrongRequestId,   // answers carry another request id
-  Truncated,        // only the first half of each answer is sent
-  IgnoreBaudConfirm // the confirming write of a baud-rate switch is lost, so the camera falls back
+  NoAnswer,          // commands are not answered
+  CorruptChecksum,   // answers carry a wrong header checksum
+  WrongRequestId,    // answers carry another request id
+  Truncated,         // only the first half of each answer is sent
+  IgnoreBaudConfirm  // the confirming write of a baud-rate switch is lost, so the camera falls back
 };
 
 struct SServerStatistics {
-  unsigned commands = 0;        // commands received intact
-  unsigned stackedCommands = 0; // of which stacked reads or writes
-  unsigned resends = 0;         // commands received with the resend flag
-  unsigned pendingAcks = 0;     // pending acknowledges sent
-  unsigned badPackets = 0;      // packets dropped for a bad checksum or length
-  unsigned garbled = 0;         // byte batches dropped because they came at another baud rate
-  uint32_t rateBit = 1;         // the camera's current baud-rate bit
+  unsigned commands = 0;         // commands received intact
+  unsigned stackedCommands = 0;  // of which stacked reads or writes
+  unsigned resends = 0;          // commands received with the resend flag
+  unsigned pendingAcks = 0;      // pending acknowledges sent
+  unsigned badPackets = 0;       // packets dropped for a bad checksum or length
+  unsigned garbled = 0;          // byte batches dropped because they came at another baud rate
+  uint32_t rateBit = 1;          // the camera's current baud-rate bit
 };
 
 class CSerialCameraEngine {
@@ -82,4 +82,4 @@ private:
   Clock::time_point m_nextPending;
 };
 
-} // namespace TalvirSerialCam
+}  // namespace TalvirSerialCam

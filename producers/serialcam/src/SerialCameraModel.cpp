@@ -41,11 +41,9 @@ bool Inside(uint64_t address, size_t length, uint64_t start, size_t size) {
   return address >= start && length <= size && address - start <= size - length;
 }
 
-} // namespace
+}  // namespace
 
-const std::string& BuiltInDescription() {
-  return EmbeddedFiles().at("SerialCamera.xml");
-}
+const std::string& BuiltInDescription() { return EmbeddedFiles().at("SerialCamera.xml"); }
 
 CSerialCameraModel::CSerialCameraModel(const SCameraConfig& config)
     : m_config(config), m_low(kLowSize, 0), m_features(Address::kFeatureEnd - Address::kWidth, 0) {
@@ -131,7 +129,7 @@ uint16_t CSerialCameraModel::Read(uint64_t address, size_t length, std::vector<u
   }
   if (Inside(address, length, Address::kWidth, m_features.size())) {
     if (address <= Address::kDeviceReset && address + length > Address::kDeviceReset) {
-      return STATUS_ACCESS_DENIED; // the reset register is write-only
+      return STATUS_ACCESS_DENIED;  // the reset register is write-only
     }
     return copy(m_features.data(), Address::kWidth);
   }
@@ -165,8 +163,7 @@ uint16_t CSerialCameraModel::Write(uint64_t address, const uint8_t* data, size_t
   const bool locked = Register32(Address::kTLParamsLocked) != 0;
   switch (address) {
   case Address::kWidthMax:
-  case Address::kHeightMax:
-    return STATUS_WRITE_PROTECT;
+  case Address::kHeightMax: return STATUS_WRITE_PROTECT;
   case Address::kWidth:
     if (locked) {
       return STATUS_ACCESS_DENIED;
@@ -209,11 +206,10 @@ uint16_t CSerialCameraModel::Write(uint64_t address, const uint8_t* data, size_t
       PutString(m_low, Boot::kUserDefinedName, m_config.userName);
     }
     return STATUS_SUCCESS;
-  default:
-    break;
+  default: break;
   }
   Put32(address, value);
   return STATUS_SUCCESS;
 }
 
-} // namespace TalvirSerialCam
+}  // namespace TalvirSerialCam

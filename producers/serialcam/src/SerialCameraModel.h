@@ -44,7 +44,7 @@ constexpr uint64_t kPixelFormat = 0x10008;
 constexpr uint64_t kExposureTime = 0x1000C;
 constexpr uint64_t kGain = 0x10010;
 constexpr uint64_t kTLParamsLocked = 0x10014;
-constexpr uint64_t kTestPattern = 0x10018; // two registers, one per generator
+constexpr uint64_t kTestPattern = 0x10018;  // two registers, one per generator
 constexpr uint64_t kWidthMax = 0x10020;
 constexpr uint64_t kHeightMax = 0x10024;
 constexpr uint64_t kTestPatternSelector = 0x10028;
@@ -52,7 +52,7 @@ constexpr uint64_t kDeviceReset = 0x1002C;
 constexpr uint64_t kFeatureEnd = 0x10030;
 constexpr uint64_t kZippedFile = 0x100000;
 constexpr uint64_t kPlainFile = 0x200000;
-} // namespace Address
+}  // namespace Address
 
 // The built-in description file.
 const std::string& BuiltInDescription();
@@ -79,10 +79,10 @@ private:
   void Put32(uint64_t address, uint32_t value);
 
   SCameraConfig m_config;
-  std::vector<uint8_t> m_low; // 0 .. 0x1000: bootstrap, serial technology map, manifest
+  std::vector<uint8_t> m_low;  // 0 .. 0x1000: bootstrap, serial technology map, manifest
   std::vector<uint8_t> m_features;
   std::string m_plain;
   std::vector<char> m_zipped;
 };
 
-} // namespace TalvirSerialCam
+}  // namespace TalvirSerialCam

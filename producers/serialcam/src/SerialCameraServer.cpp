@@ -15,14 +15,12 @@ constexpr uint64_t kBitsPerByte = 10;
 // Paced output is written in slices of about this long on the line.
 constexpr std::chrono::microseconds kPaceSlice(1000);
 
-} // namespace
+}  // namespace
 
 CSerialCameraServer::CSerialCameraServer(const SCameraConfig& config)
     : m_engine(config), m_pace(config.paceAtLineRate) {}
 
-CSerialCameraServer::~CSerialCameraServer() {
-  Stop();
-}
+CSerialCameraServer::~CSerialCameraServer() { Stop(); }
 
 bool CSerialCameraServer::Start(std::string& error) {
   if (m_started) {
@@ -177,4 +175,4 @@ void CSerialCameraServer::SendPaced(const std::string& output) {
   m_outputFreeAt = start + LineTime(output.size());
 }
 
-} // namespace TalvirSerialCam
+}  // namespace TalvirSerialCam

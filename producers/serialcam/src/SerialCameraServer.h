@@ -66,4 +66,4 @@ private:
   Clock::time_point m_outputFreeAt{};
 };
 
-} // namespace TalvirSerialCam
+}  // namespace TalvirSerialCam

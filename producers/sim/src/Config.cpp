@@ -191,8 +191,8 @@ struct STypedName {
   size_t valueSize;
 };
 constexpr STypedName kTypedNames[] = {
-    {"STRING", 1, 0}, {"STRINGLIST", 2, 0}, {"INT16", 3, 2}, {"UINT16", 4, 2}, {"INT32", 5, 4},
-    {"UINT32", 6, 4}, {"INT64", 7, 8},      {"UINT64", 8, 8}, {"FLOAT64", 9, 0}, {"PTR", 10, 8},
+    {"STRING", 1, 0}, {"STRINGLIST", 2, 0}, {"INT16", 3, 2},   {"UINT16", 4, 2},   {"INT32", 5, 4},
+    {"UINT32", 6, 4}, {"INT64", 7, 8},      {"UINT64", 8, 8},  {"FLOAT64", 9, 0},  {"PTR", 10, 8},
     {"BOOL8", 11, 1}, {"SIZET", 12, 8},     {"BUFFER", 13, 0}, {"PTRDIFF", 14, 8},
 };
 
@@ -229,9 +229,8 @@ SCustomInfo ReadTypedAnswer(const json& object, const std::string& path) {
     }
   } else {
     const std::string digits = hex->is_string() ? hex->get<std::string>() : std::string("?");
-    if (digits.size() % 2 != 0 || !std::all_of(digits.begin(), digits.end(), [](unsigned char c) {
-          return std::isxdigit(c) != 0;
-        })) {
+    if (digits.size() % 2 != 0 ||
+        !std::all_of(digits.begin(), digits.end(), [](unsigned char c) { return std::isxdigit(c) != 0; })) {
       throw std::runtime_error(reader.Path("hex") + ": expected an even number of hexadecimal digits");
     }
     for (size_t index = 0; index < digits.size(); index += 2) {

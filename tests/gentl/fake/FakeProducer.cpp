@@ -35,7 +35,8 @@ CFakeInterface* InterfaceOf(void* handle) {
 }
 
 size_t InterfaceIndexOf(void* handle) {
-  return static_cast<size_t>(reinterpret_cast<uintptr_t>(handle) - reinterpret_cast<uintptr_t>(TALVIR::Testing::FakeInterfaceHandle(0)));
+  return static_cast<size_t>(reinterpret_cast<uintptr_t>(handle) -
+                             reinterpret_cast<uintptr_t>(TALVIR::Testing::FakeInterfaceHandle(0)));
 }
 
 GC_ERROR CopyText(const std::string& text, void* buffer, size_t* size) {
@@ -67,7 +68,7 @@ GC_ERROR CopyNumber(uint64_t value, size_t width, INFO_DATATYPE* type, void* buf
   return GC_ERR_SUCCESS;
 }
 
-} // namespace
+}  // namespace
 
 extern "C" GC_API_EXPORT CFakeProducerState* TalvirFakeProducerState() { return &State(); }
 
@@ -75,7 +76,9 @@ GENTL_NAMESPACE_BEGIN
 extern "C" {
 
 #ifndef FAKE_WITHOUT_INFO
-GC_API_EXPORT GC_ERROR GC_CALLTYPE GCGetInfo(TL_INFO_CMD, INFO_DATATYPE*, void*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
+GC_API_EXPORT GC_ERROR GC_CALLTYPE GCGetInfo(TL_INFO_CMD, INFO_DATATYPE*, void*, size_t*) {
+  return GC_ERR_NOT_IMPLEMENTED;
+}
 GC_API_EXPORT GC_ERROR GC_CALLTYPE GCGetLastError(GC_ERROR* piErrorCode, char* sErrorText, size_t* piSize) {
   std::lock_guard<std::recursive_mutex> lock(State().mutex);
   if (State().lastErrorText.empty()) {
@@ -124,7 +127,8 @@ GC_API_EXPORT GC_ERROR GC_CALLTYPE GCReadPort(PORT_HANDLE hPort, uint64_t iAddre
   return GC_ERR_SUCCESS;
 }
 
-GC_API_EXPORT GC_ERROR GC_CALLTYPE GCWritePort(PORT_HANDLE hPort, uint64_t iAddress, const void* pBuffer, size_t* piSize) {
+GC_API_EXPORT GC_ERROR GC_CALLTYPE GCWritePort(PORT_HANDLE hPort, uint64_t iAddress, const void* pBuffer,
+                                               size_t* piSize) {
   std::lock_guard<std::recursive_mutex> lock(State().mutex);
   const auto found = State().ports.find(hPort);
   if (found == State().ports.end() || piSize == nullptr || pBuffer == nullptr) {
@@ -149,12 +153,23 @@ GC_API_EXPORT GC_ERROR GC_CALLTYPE GCGetPortURL(PORT_HANDLE hPort, char* sURL, s
   return CopyText(found->second.url, sURL, piSize);
 }
 
-GC_API_EXPORT GC_ERROR GC_CALLTYPE GCGetPortInfo(PORT_HANDLE, PORT_INFO_CMD, INFO_DATATYPE*, void*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
-GC_API_EXPORT GC_ERROR GC_CALLTYPE GCRegisterEvent(EVENTSRC_HANDLE, EVENT_TYPE, EVENT_HANDLE*) { return GC_ERR_NOT_IMPLEMENTED; }
+GC_API_EXPORT GC_ERROR GC_CALLTYPE GCGetPortInfo(PORT_HANDLE, PORT_INFO_CMD, INFO_DATATYPE*, void*, size_t*) {
+  return GC_ERR_NOT_IMPLEMENTED;
+}
+GC_API_EXPORT GC_ERROR GC_CALLTYPE GCRegisterEvent(EVENTSRC_HANDLE, EVENT_TYPE, EVENT_HANDLE*) {
+  return GC_ERR_NOT_IMPLEMENTED;
+}
 GC_API_EXPORT GC_ERROR GC_CALLTYPE GCUnregisterEvent(EVENTSRC_HANDLE, EVENT_TYPE) { return GC_ERR_NOT_IMPLEMENTED; }
-GC_API_EXPORT GC_ERROR GC_CALLTYPE EventGetData(EVENT_HANDLE, void*, size_t*, uint64_t) { return GC_ERR_NOT_IMPLEMENTED; }
-GC_API_EXPORT GC_ERROR GC_CALLTYPE EventGetDataInfo(EVENT_HANDLE, const void*, size_t, EVENT_DATA_INFO_CMD, INFO_DATATYPE*, void*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
-GC_API_EXPORT GC_ERROR GC_CALLTYPE EventGetInfo(EVENT_HANDLE, EVENT_INFO_CMD, INFO_DATATYPE*, void*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
+GC_API_EXPORT GC_ERROR GC_CALLTYPE EventGetData(EVENT_HANDLE, void*, size_t*, uint64_t) {
+  return GC_ERR_NOT_IMPLEMENTED;
+}
+GC_API_EXPORT GC_ERROR GC_CALLTYPE EventGetDataInfo(EVENT_HANDLE, const void*, size_t, EVENT_DATA_INFO_CMD,
+                                                    INFO_DATATYPE*, void*, size_t*) {
+  return GC_ERR_NOT_IMPLEMENTED;
+}
+GC_API_EXPORT GC_ERROR GC_CALLTYPE EventGetInfo(EVENT_HANDLE, EVENT_INFO_CMD, INFO_DATATYPE*, void*, size_t*) {
+  return GC_ERR_NOT_IMPLEMENTED;
+}
 GC_API_EXPORT GC_ERROR GC_CALLTYPE EventFlush(EVENT_HANDLE) { return GC_ERR_NOT_IMPLEMENTED; }
 GC_API_EXPORT GC_ERROR GC_CALLTYPE EventKill(EVENT_HANDLE) { return GC_ERR_NOT_IMPLEMENTED; }
 
@@ -174,7 +189,9 @@ GC_API_EXPORT GC_ERROR GC_CALLTYPE TLClose(TL_HANDLE hTL) {
   return GC_ERR_SUCCESS;
 }
 
-GC_API_EXPORT GC_ERROR GC_CALLTYPE TLGetInfo(TL_HANDLE, TL_INFO_CMD, INFO_DATATYPE*, void*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
+GC_API_EXPORT GC_ERROR GC_CALLTYPE TLGetInfo(TL_HANDLE, TL_INFO_CMD, INFO_DATATYPE*, void*, size_t*) {
+  return GC_ERR_NOT_IMPLEMENTED;
+}
 
 GC_API_EXPORT GC_ERROR GC_CALLTYPE TLGetNumInterfaces(TL_HANDLE, uint32_t* piNumIfaces) {
   std::lock_guard<std::recursive_mutex> lock(State().mutex);
@@ -194,7 +211,10 @@ GC_API_EXPORT GC_ERROR GC_CALLTYPE TLGetInterfaceID(TL_HANDLE, uint32_t iIndex, 
   return CopyText(State().interfaces[iIndex].id, sID, piSize);
 }
 
-GC_API_EXPORT GC_ERROR GC_CALLTYPE TLGetInterfaceInfo(TL_HANDLE, const char*, INTERFACE_INFO_CMD, INFO_DATATYPE*, void*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
+GC_API_EXPORT GC_ERROR GC_CALLTYPE TLGetInterfaceInfo(TL_HANDLE, const char*, INTERFACE_INFO_CMD, INFO_DATATYPE*, void*,
+                                                      size_t*) {
+  return GC_ERR_NOT_IMPLEMENTED;
+}
 
 GC_API_EXPORT GC_ERROR GC_CALLTYPE TLOpenInterface(TL_HANDLE, const char* sIfaceID, IF_HANDLE* phIface) {
   std::lock_guard<std::recursive_mutex> lock(State().mutex);
@@ -228,7 +248,8 @@ GC_API_EXPORT GC_ERROR GC_CALLTYPE IFClose(IF_HANDLE hIface) {
   return GC_ERR_SUCCESS;
 }
 
-GC_API_EXPORT GC_ERROR GC_CALLTYPE IFGetInfo(IF_HANDLE hIface, INTERFACE_INFO_CMD iInfoCmd, INFO_DATATYPE* piType, void* pBuffer, size_t* piSize) {
+GC_API_EXPORT GC_ERROR GC_CALLTYPE IFGetInfo(IF_HANDLE hIface, INTERFACE_INFO_CMD iInfoCmd, INFO_DATATYPE* piType,
+                                             void* pBuffer, size_t* piSize) {
   std::lock_guard<std::recursive_mutex> lock(State().mutex);
   CFakeInterface* fakeInterface = InterfaceOf(hIface);
   if (fakeInterface == nullptr) {
@@ -239,12 +260,9 @@ GC_API_EXPORT GC_ERROR GC_CALLTYPE IFGetInfo(IF_HANDLE hIface, INTERFACE_INFO_CM
   }
   switch (iInfoCmd) {
   case INTERFACE_INFO_ID:
-  case INTERFACE_INFO_DISPLAYNAME:
-    return CopyText(fakeInterface->id, pBuffer, piSize);
-  case INTERFACE_INFO_TLTYPE:
-    return CopyText(fakeInterface->tlType, pBuffer, piSize);
-  default:
-    return GC_ERR_NOT_IMPLEMENTED;
+  case INTERFACE_INFO_DISPLAYNAME: return CopyText(fakeInterface->id, pBuffer, piSize);
+  case INTERFACE_INFO_TLTYPE: return CopyText(fakeInterface->tlType, pBuffer, piSize);
+  default: return GC_ERR_NOT_IMPLEMENTED;
   }
 }
 
@@ -297,7 +315,8 @@ GC_API_EXPORT GC_ERROR GC_CALLTYPE IFUpdateDeviceList(IF_HANDLE hIface, bool8_t*
   return GC_ERR_SUCCESS;
 }
 
-GC_API_EXPORT GC_ERROR GC_CALLTYPE IFGetDeviceInfo(IF_HANDLE hIface, const char* sDeviceID, DEVICE_INFO_CMD iInfoCmd, INFO_DATATYPE* piType, void* pBuffer, size_t* piSize) {
+GC_API_EXPORT GC_ERROR GC_CALLTYPE IFGetDeviceInfo(IF_HANDLE hIface, const char* sDeviceID, DEVICE_INFO_CMD iInfoCmd,
+                                                   INFO_DATATYPE* piType, void* pBuffer, size_t* piSize) {
   std::lock_guard<std::recursive_mutex> lock(State().mutex);
   CFakeInterface* fakeInterface = InterfaceOf(hIface);
   if (fakeInterface == nullptr || sDeviceID == nullptr) {
@@ -312,7 +331,8 @@ GC_API_EXPORT GC_ERROR GC_CALLTYPE IFGetDeviceInfo(IF_HANDLE hIface, const char*
   if (device == nullptr) {
     return GC_ERR_INVALID_ID;
   }
-  if (std::find(device->failingCommands.begin(), device->failingCommands.end(), iInfoCmd) != device->failingCommands.end()) {
+  if (std::find(device->failingCommands.begin(), device->failingCommands.end(), iInfoCmd) !=
+      device->failingCommands.end()) {
     return GC_ERR_ERROR;
   }
   if (piType != nullptr) {
@@ -327,7 +347,8 @@ GC_API_EXPORT GC_ERROR GC_CALLTYPE IFGetDeviceInfo(IF_HANDLE hIface, const char*
   case DEVICE_INFO_USER_DEFINED_NAME: return CopyText(device->userDefinedName, pBuffer, piSize);
   case DEVICE_INFO_SERIAL_NUMBER: return CopyText(device->serial, pBuffer, piSize);
   case DEVICE_INFO_VERSION: return CopyText(device->version, pBuffer, piSize);
-  case DEVICE_INFO_ACCESS_STATUS: return CopyNumber(static_cast<uint32_t>(device->accessStatus), 4, piType, pBuffer, piSize);
+  case DEVICE_INFO_ACCESS_STATUS:
+    return CopyNumber(static_cast<uint32_t>(device->accessStatus), 4, piType, pBuffer, piSize);
   case DEVICE_INFO_TIMESTAMP_FREQUENCY: return CopyNumber(device->timestampFrequency, 8, piType, pBuffer, piSize);
   default: break;
   }
@@ -363,36 +384,71 @@ GC_API_EXPORT GC_ERROR GC_CALLTYPE IFGetDeviceInfo(IF_HANDLE hIface, const char*
   return GC_ERR_NOT_IMPLEMENTED;
 }
 
-GC_API_EXPORT GC_ERROR GC_CALLTYPE IFOpenDevice(IF_HANDLE, const char*, DEVICE_ACCESS_FLAGS, DEV_HANDLE*) { return GC_ERR_NOT_IMPLEMENTED; }
+GC_API_EXPORT GC_ERROR GC_CALLTYPE IFOpenDevice(IF_HANDLE, const char*, DEVICE_ACCESS_FLAGS, DEV_HANDLE*) {
+  return GC_ERR_NOT_IMPLEMENTED;
+}
 GC_API_EXPORT GC_ERROR GC_CALLTYPE DevGetPort(DEV_HANDLE, PORT_HANDLE*) { return GC_ERR_NOT_IMPLEMENTED; }
 GC_API_EXPORT GC_ERROR GC_CALLTYPE DevGetNumDataStreams(DEV_HANDLE, uint32_t*) { return GC_ERR_NOT_IMPLEMENTED; }
-GC_API_EXPORT GC_ERROR GC_CALLTYPE DevGetDataStreamID(DEV_HANDLE, uint32_t, char*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
-GC_API_EXPORT GC_ERROR GC_CALLTYPE DevOpenDataStream(DEV_HANDLE, const char*, DS_HANDLE*) { return GC_ERR_NOT_IMPLEMENTED; }
-GC_API_EXPORT GC_ERROR GC_CALLTYPE DevGetInfo(DEV_HANDLE, DEVICE_INFO_CMD, INFO_DATATYPE*, void*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
+GC_API_EXPORT GC_ERROR GC_CALLTYPE DevGetDataStreamID(DEV_HANDLE, uint32_t, char*, size_t*) {
+  return GC_ERR_NOT_IMPLEMENTED;
+}
+GC_API_EXPORT GC_ERROR GC_CALLTYPE DevOpenDataStream(DEV_HANDLE, const char*, DS_HANDLE*) {
+  return GC_ERR_NOT_IMPLEMENTED;
+}
+GC_API_EXPORT GC_ERROR GC_CALLTYPE DevGetInfo(DEV_HANDLE, DEVICE_INFO_CMD, INFO_DATATYPE*, void*, size_t*) {
+  return GC_ERR_NOT_IMPLEMENTED;
+}
 GC_API_EXPORT GC_ERROR GC_CALLTYPE DevClose(DEV_HANDLE) { return GC_ERR_NOT_IMPLEMENTED; }
-GC_API_EXPORT GC_ERROR GC_CALLTYPE DSAnnounceBuffer(DS_HANDLE, void*, size_t, void*, BUFFER_HANDLE*) { return GC_ERR_NOT_IMPLEMENTED; }
-GC_API_EXPORT GC_ERROR GC_CALLTYPE DSAllocAndAnnounceBuffer(DS_HANDLE, size_t, void*, BUFFER_HANDLE*) { return GC_ERR_NOT_IMPLEMENTED; }
+GC_API_EXPORT GC_ERROR GC_CALLTYPE DSAnnounceBuffer(DS_HANDLE, void*, size_t, void*, BUFFER_HANDLE*) {
+  return GC_ERR_NOT_IMPLEMENTED;
+}
+GC_API_EXPORT GC_ERROR GC_CALLTYPE DSAllocAndAnnounceBuffer(DS_HANDLE, size_t, void*, BUFFER_HANDLE*) {
+  return GC_ERR_NOT_IMPLEMENTED;
+}
 GC_API_EXPORT GC_ERROR GC_CALLTYPE DSFlushQueue(DS_HANDLE, ACQ_QUEUE_TYPE) { return GC_ERR_NOT_IMPLEMENTED; }
-GC_API_EXPORT GC_ERROR GC_CALLTYPE DSStartAcquisition(DS_HANDLE, ACQ_START_FLAGS, uint64_t) { return GC_ERR_NOT_IMPLEMENTED; }
+GC_API_EXPORT GC_ERROR GC_CALLTYPE DSStartAcquisition(DS_HANDLE, ACQ_START_FLAGS, uint64_t) {
+  return GC_ERR_NOT_IMPLEMENTED;
+}
 GC_API_EXPORT GC_ERROR GC_CALLTYPE DSStopAcquisition(DS_HANDLE, ACQ_STOP_FLAGS) { return GC_ERR_NOT_IMPLEMENTED; }
-GC_API_EXPORT GC_ERROR GC_CALLTYPE DSGetInfo(DS_HANDLE, STREAM_INFO_CMD, INFO_DATATYPE*, void*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
+GC_API_EXPORT GC_ERROR GC_CALLTYPE DSGetInfo(DS_HANDLE, STREAM_INFO_CMD, INFO_DATATYPE*, void*, size_t*) {
+  return GC_ERR_NOT_IMPLEMENTED;
+}
 GC_API_EXPORT GC_ERROR GC_CALLTYPE DSGetBufferID(DS_HANDLE, uint32_t, BUFFER_HANDLE*) { return GC_ERR_NOT_IMPLEMENTED; }
 GC_API_EXPORT GC_ERROR GC_CALLTYPE DSClose(DS_HANDLE) { return GC_ERR_NOT_IMPLEMENTED; }
-GC_API_EXPORT GC_ERROR GC_CALLTYPE DSRevokeBuffer(DS_HANDLE, BUFFER_HANDLE, void**, void**) { return GC_ERR_NOT_IMPLEMENTED; }
+GC_API_EXPORT GC_ERROR GC_CALLTYPE DSRevokeBuffer(DS_HANDLE, BUFFER_HANDLE, void**, void**) {
+  return GC_ERR_NOT_IMPLEMENTED;
+}
 #ifndef FAKE_WITHOUT_QUEUE
 GC_API_EXPORT GC_ERROR GC_CALLTYPE DSQueueBuffer(DS_HANDLE, BUFFER_HANDLE) { return GC_ERR_NOT_IMPLEMENTED; }
 #endif
-GC_API_EXPORT GC_ERROR GC_CALLTYPE DSGetBufferInfo(DS_HANDLE, BUFFER_HANDLE, BUFFER_INFO_CMD, INFO_DATATYPE*, void*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
+GC_API_EXPORT GC_ERROR GC_CALLTYPE DSGetBufferInfo(DS_HANDLE, BUFFER_HANDLE, BUFFER_INFO_CMD, INFO_DATATYPE*, void*,
+                                                   size_t*) {
+  return GC_ERR_NOT_IMPLEMENTED;
+}
 GC_API_EXPORT GC_ERROR GC_CALLTYPE GCGetNumPortURLs(PORT_HANDLE, uint32_t*) { return GC_ERR_NOT_IMPLEMENTED; }
-GC_API_EXPORT GC_ERROR GC_CALLTYPE GCGetPortURLInfo(PORT_HANDLE, uint32_t, URL_INFO_CMD, INFO_DATATYPE*, void*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
-GC_API_EXPORT GC_ERROR GC_CALLTYPE GCReadPortStacked(PORT_HANDLE, PORT_REGISTER_STACK_ENTRY*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
-GC_API_EXPORT GC_ERROR GC_CALLTYPE GCWritePortStacked(PORT_HANDLE, PORT_REGISTER_STACK_ENTRY*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
-GC_API_EXPORT GC_ERROR GC_CALLTYPE DSGetBufferChunkData(DS_HANDLE, BUFFER_HANDLE, SINGLE_CHUNK_DATA*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
+GC_API_EXPORT GC_ERROR GC_CALLTYPE GCGetPortURLInfo(PORT_HANDLE, uint32_t, URL_INFO_CMD, INFO_DATATYPE*, void*,
+                                                    size_t*) {
+  return GC_ERR_NOT_IMPLEMENTED;
+}
+GC_API_EXPORT GC_ERROR GC_CALLTYPE GCReadPortStacked(PORT_HANDLE, PORT_REGISTER_STACK_ENTRY*, size_t*) {
+  return GC_ERR_NOT_IMPLEMENTED;
+}
+GC_API_EXPORT GC_ERROR GC_CALLTYPE GCWritePortStacked(PORT_HANDLE, PORT_REGISTER_STACK_ENTRY*, size_t*) {
+  return GC_ERR_NOT_IMPLEMENTED;
+}
+GC_API_EXPORT GC_ERROR GC_CALLTYPE DSGetBufferChunkData(DS_HANDLE, BUFFER_HANDLE, SINGLE_CHUNK_DATA*, size_t*) {
+  return GC_ERR_NOT_IMPLEMENTED;
+}
 GC_API_EXPORT GC_ERROR GC_CALLTYPE IFGetParentTL(IF_HANDLE, TL_HANDLE*) { return GC_ERR_NOT_IMPLEMENTED; }
 GC_API_EXPORT GC_ERROR GC_CALLTYPE DevGetParentIF(DEV_HANDLE, IF_HANDLE*) { return GC_ERR_NOT_IMPLEMENTED; }
 GC_API_EXPORT GC_ERROR GC_CALLTYPE DSGetParentDev(DS_HANDLE, DEV_HANDLE*) { return GC_ERR_NOT_IMPLEMENTED; }
-GC_API_EXPORT GC_ERROR GC_CALLTYPE DSGetNumBufferParts(DS_HANDLE, BUFFER_HANDLE, uint32_t*) { return GC_ERR_NOT_IMPLEMENTED; }
-GC_API_EXPORT GC_ERROR GC_CALLTYPE DSGetBufferPartInfo(DS_HANDLE, BUFFER_HANDLE, uint32_t, BUFFER_PART_INFO_CMD, INFO_DATATYPE*, void*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
+GC_API_EXPORT GC_ERROR GC_CALLTYPE DSGetNumBufferParts(DS_HANDLE, BUFFER_HANDLE, uint32_t*) {
+  return GC_ERR_NOT_IMPLEMENTED;
+}
+GC_API_EXPORT GC_ERROR GC_CALLTYPE DSGetBufferPartInfo(DS_HANDLE, BUFFER_HANDLE, uint32_t, BUFFER_PART_INFO_CMD,
+                                                       INFO_DATATYPE*, void*, size_t*) {
+  return GC_ERR_NOT_IMPLEMENTED;
+}
 
-} // extern "C"
+}  // extern "C"
 GENTL_NAMESPACE_END

@@ -59,4 +59,4 @@ inline CFakeInterface MakeFakeInterface(const std::string& id, const std::string
   return fakeInterface;
 }
 
-} // namespace TALVIR::Testing
+}  // namespace TALVIR::Testing

@@ -119,4 +119,4 @@ inline void* FakeInterfaceHandle(size_t index) { return reinterpret_cast<void*>(
 using PFN_TalvirFakeProducerState = CFakeProducerState* (*)();
 constexpr const char* kFakeProducerStateSymbol = "TalvirFakeProducerState";
 
-} // namespace TALVIR::Testing
+}  // namespace TALVIR::Testing

@@ -18,7 +18,7 @@ namespace {
 const char* const kFreeRunCamera =
     R"({"interfaces":[{"id":"IF","devices":[{"id":"Cam","serial":"CAM00001","sensorWidth":64,"sensorHeight":16,"frameRate":0}]}]})";
 
-} // namespace
+}  // namespace
 
 TEST(SimConcurrency, FetchersAndAStopperNeverLoseABuffer) {
   CSimModule module("TalvirSim.cti", "TalvirSim.cti", kFreeRunCamera);

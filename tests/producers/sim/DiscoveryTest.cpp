@@ -57,7 +57,7 @@ struct SEnumerated {
   std::vector<std::string> devices;
 };
 
-} // namespace
+}  // namespace
 
 TEST(SimDiscovery, EveryStandardFunctionIsExported) {
   CSimModule module;
@@ -281,9 +281,8 @@ TEST(SimDiscovery, TheRemainingFunctionsAnswerOrSayTheyAreNotImplemented) {
               return fn.EventGetInfo(event, EVENT_EVENT_TYPE, t, b, s);
             }),
             EVENT_NEW_BUFFER);
-  EXPECT_EQ(InfoValue<size_t>([&](INFO_DATATYPE* t, void* b, size_t* s) {
-              return fn.EventGetInfo(event, EVENT_SIZE_MAX, t, b, s);
-            }),
+  EXPECT_EQ(InfoValue<size_t>(
+                [&](INFO_DATATYPE* t, void* b, size_t* s) { return fn.EventGetInfo(event, EVENT_SIZE_MAX, t, b, s); }),
             sizeof(EVENT_NEW_BUFFER_DATA));
   // Multi-part, flow and composite-buffer functions.
   auto buffers = device.AnnounceAndQueue(1);

@@ -60,7 +60,7 @@ uint64_t BE64(const uint8_t* p) {
   return v;
 }
 
-} // namespace
+}  // namespace
 
 // ---- Remote-device events ----
 
@@ -139,14 +139,15 @@ TEST(SimEvents, QueuedEventsCanBeCountedFlushedDiscardedAndKilled) {
     WriteBE32(fn, r.device->port, R::kSimFireEvent, 1);
   }
   auto inQueue = [&] {
-    return InfoValue<size_t>([&](INFO_DATATYPE* t, void* b, size_t* s) { return fn.EventGetInfo(remote, EVENT_NUM_IN_QUEUE, t, b, s); });
+    return InfoValue<size_t>(
+        [&](INFO_DATATYPE* t, void* b, size_t* s) { return fn.EventGetInfo(remote, EVENT_NUM_IN_QUEUE, t, b, s); });
   };
   EXPECT_EQ(inQueue(), 3u);
   uint8_t small[8];
   size_t size = sizeof small;
   EXPECT_EQ(fn.EventGetData(remote, small, &size, 0), GC_ERR_BUFFER_TOO_SMALL);
   EXPECT_EQ(size, 40u);
-  EXPECT_EQ(inQueue(), 3u);  // a too-small buffer loses nothing
+  EXPECT_EQ(inQueue(), 3u);                                               // a too-small buffer loses nothing
   EXPECT_EQ(fn.EventGetData(remote, nullptr, &size, 0), GC_ERR_SUCCESS);  // a null buffer discards one
   EXPECT_EQ(inQueue(), 2u);
   EXPECT_EQ(fn.EventFlush(remote), GC_ERR_SUCCESS);
@@ -188,7 +189,8 @@ TEST(SimFaults, InitAndTLOpenCanBeMadeToFail) {
 TEST(SimFaults, AnInterfaceCanHaveNoDevicesAndIdsCanOutgrowAConsumersBuffer) {
   const std::string longId(1500, 'L');
   CSimModule module("TalvirSim.cti", "TalvirSim.cti",
-                    R"({"interfaces":[{"id":"Full","devices":[{"id":")" + longId + R"("}]},{"id":"Empty","devices":[]}]})");
+                    R"({"interfaces":[{"id":"Full","devices":[{"id":")" + longId +
+                        R"("}]},{"id":"Empty","devices":[]}]})");
   ASSERT_EQ(module.Init(), GC_ERR_SUCCESS);
   const auto& fn = module.fn;
   TL_HANDLE system = nullptr;
@@ -332,7 +334,7 @@ void RecordStatus(const char* id, bool online) {
   std::lock_guard<std::mutex> lock(g_statusMutex);
   g_statusReports.emplace_back(id, online);
 }
-} // namespace
+}  // namespace
 
 TEST(SimFaults, TheU3VFlavourReportsALostDeviceToItsStatusCallback) {
   {

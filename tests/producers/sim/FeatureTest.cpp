@@ -83,7 +83,7 @@ struct SFeatures {
   bool ok = false;
 };
 
-} // namespace
+}  // namespace
 
 TEST(SimFeatures, IdentificationAndImageFormat) {
   SFeatures f;
@@ -238,8 +238,9 @@ TEST(SimFeatures, CommandsDriveTheCamera) {
 }
 
 TEST(SimFeatures, LineScanCamerasHaveLineRatesInsteadOfFrameRates) {
-  SFeatures f("TalvirSimGEVTL.cti",
-              R"({"interfaces":[{"id":"IF","devices":[{"id":"Line","lineScan":true,"lineRate":20000,"sensorHeight":1000}]}]})");
+  SFeatures f(
+      "TalvirSimGEVTL.cti",
+      R"({"interfaces":[{"id":"IF","devices":[{"id":"Line","lineScan":true,"lineRate":20000,"sensorHeight":1000}]}]})");
   ASSERT_TRUE(f.ok);
   CFloatPtr lineRate = f.Node("AcquisitionLineRate");
   CFloatPtr resultingLineRate = f.Node("ResultingLineRate");

@@ -41,7 +41,7 @@ struct SRun {
   std::unique_ptr<SOpenDevice> device;
 };
 
-} // namespace
+}  // namespace
 
 TEST(SimFlavourStream, GigEBuffersCountTheirPackets) {
   SRun r("TalvirSimGEVTL.cti", Camera(R"(,"faults":{"incompleteEveryN":2})"));
@@ -186,15 +186,17 @@ TEST(SimFlavourStream, StackedBufferInfoAnswersEachEntry) {
 TEST(SimFlavourStream, ParentsAndLibraryInformation) {
   CSimModule module("TalvirSim.cti", "TalvirSimGEVTL.cti");
   // Library information is available before GCInitLib.
-  EXPECT_EQ(InfoString([&](INFO_DATATYPE* t, void* b, size_t* s) { return module.fn.GCGetInfo(TL_INFO_TLTYPE, t, b, s); }),
-            "GEV");
+  EXPECT_EQ(
+      InfoString([&](INFO_DATATYPE* t, void* b, size_t* s) { return module.fn.GCGetInfo(TL_INFO_TLTYPE, t, b, s); }),
+      "GEV");
   ASSERT_EQ(module.Init(), GC_ERR_SUCCESS);
   EXPECT_EQ(InfoValue<uint32_t>([&](INFO_DATATYPE* t, void* b, size_t* s) {
               return module.fn.GCGetInfo(TL_INFO_GENTL_VER_MINOR, t, b, s);
             }),
             5u);
-  EXPECT_NE(InfoString([&](INFO_DATATYPE* t, void* b, size_t* s) { return module.fn.GCGetInfo(TL_INFO_PATHNAME, t, b, s); })
-                .find("TalvirSimGEVTL.cti"),
+  EXPECT_NE(InfoString([&](INFO_DATATYPE* t, void* b, size_t* s) {
+              return module.fn.GCGetInfo(TL_INFO_PATHNAME, t, b, s);
+            }).find("TalvirSimGEVTL.cti"),
             std::string::npos);
   SOpenDevice device(module.fn);
   ASSERT_TRUE(device.ok);

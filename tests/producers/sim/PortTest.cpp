@@ -48,9 +48,7 @@ SUrl ParseUrl(const std::string& url) {
 }
 
 std::string Unzip(const std::string& zipBytes, const std::filesystem::path& scratch) {
-  {
-    std::ofstream(scratch, std::ios::binary) << zipBytes;
-  }
+  { std::ofstream(scratch, std::ios::binary) << zipBytes; }
   unzFile zip = unzOpen64(scratch.string().c_str());
   if (zip == nullptr || unzGoToFirstFile(zip) != UNZ_OK || unzOpenCurrentFile(zip) != UNZ_OK) {
     return {};
@@ -111,8 +109,8 @@ void ExpectWellFormedDescription(const std::string& xml, const std::string& what
   walk(root);
   EXPECT_EQ(names.count("Root"), 1u) << what;
   for (const auto& reference : references) {
-    EXPECT_EQ(names.count(reference.second), 1u) << what << ": " << reference.first << " names missing node '"
-                                                  << reference.second << "'";
+    EXPECT_EQ(names.count(reference.second), 1u)
+        << what << ": " << reference.first << " names missing node '" << reference.second << "'";
   }
 }
 
@@ -127,10 +125,11 @@ struct SOpened {
   std::unique_ptr<SOpenDevice> device;
 };
 
-} // namespace
+}  // namespace
 
 TEST(SimPorts, EveryModuleOfEveryFlavourServesAWellFormedDescription) {
-  for (const char* name : {"TalvirSim.cti", "TalvirSimGEVTL.cti", "U3VTLTAV.cti", "TalvirSimCL.cti", "TalvirSimCXP.cti"}) {
+  for (const char* name :
+       {"TalvirSim.cti", "TalvirSimGEVTL.cti", "U3VTLTAV.cti", "TalvirSimCL.cti", "TalvirSimCXP.cti"}) {
     SOpened o(name);
     ASSERT_TRUE(o.Ok()) << name;
     const auto& fn = o.module.fn;
@@ -187,9 +186,8 @@ TEST(SimPorts, UrlInformationDescribesTheDescriptionFile) {
   EXPECT_EQ(urls, 1u);
   const SUrl url = ParseUrl(PortUrl(fn, o.device->port));
   auto info = [&](URL_INFO_CMD command) {
-    return InfoValue<uint64_t>([&](INFO_DATATYPE* t, void* b, size_t* s) {
-      return fn.GCGetPortURLInfo(o.device->port, 0, command, t, b, s);
-    });
+    return InfoValue<uint64_t>(
+        [&](INFO_DATATYPE* t, void* b, size_t* s) { return fn.GCGetPortURLInfo(o.device->port, 0, command, t, b, s); });
   };
   EXPECT_EQ(info(URL_INFO_FILE_REGISTER_ADDRESS), url.address);
   EXPECT_EQ(info(URL_INFO_FILE_SIZE), url.length);
@@ -213,7 +211,8 @@ TEST(SimPorts, PortInformationAnswersEveryCommand) {
     EXPECT_EQ(fn.GCGetPortInfo(o.device->port, command, nullptr, nullptr, &size), GC_ERR_SUCCESS) << command;
   }
   auto flag = [&](PORT_INFO_CMD command) {
-    return InfoValue<uint8_t>([&](INFO_DATATYPE* t, void* b, size_t* s) { return fn.GCGetPortInfo(o.device->port, command, t, b, s); });
+    return InfoValue<uint8_t>(
+        [&](INFO_DATATYPE* t, void* b, size_t* s) { return fn.GCGetPortInfo(o.device->port, command, t, b, s); });
   };
   EXPECT_EQ(flag(PORT_INFO_BIG_ENDIAN), 1);
   EXPECT_EQ(flag(PORT_INFO_LITTLE_ENDIAN), 0);
@@ -287,7 +286,8 @@ TEST(SimPorts, GigEDeviceModuleKeepsTheStreamTuningWrites) {
   }
   uint32_t readTuning = 0;
   size = 4;
-  ASSERT_EQ(fn.GCReadPort(o.device->device, TalvirSim::DeviceModule::kStreamTuning, &readTuning, &size), GC_ERR_SUCCESS);
+  ASSERT_EQ(fn.GCReadPort(o.device->device, TalvirSim::DeviceModule::kStreamTuning, &readTuning, &size),
+            GC_ERR_SUCCESS);
   EXPECT_EQ(readTuning, 1072u);
   for (int i = 0; i < 3; ++i) {
     uint16_t value = 0;

@@ -118,7 +118,8 @@ private:
 // ---- Small helpers over the C interface ----
 
 // A string result of an info function with size negotiation; the call is given (type, buffer, size) at the end.
-template <typename TCall> std::string InfoString(TCall call) {
+template <typename TCall>
+std::string InfoString(TCall call) {
   INFO_DATATYPE type = INFO_DATATYPE_UNKNOWN;
   size_t size = 0;
   if (call(&type, nullptr, &size) != GC_ERR_SUCCESS) {
@@ -132,7 +133,8 @@ template <typename TCall> std::string InfoString(TCall call) {
   return text;
 }
 
-template <typename T, typename TCall> T InfoValue(TCall call) {
+template <typename T, typename TCall>
+T InfoValue(TCall call) {
   INFO_DATATYPE type = INFO_DATATYPE_UNKNOWN;
   T value{};
   size_t size = sizeof value;
@@ -206,14 +208,15 @@ struct SOpenDevice {
   SOpenDevice& operator=(const SOpenDevice&) = delete;
 
   size_t PayloadSize() const {
-    return InfoValue<size_t>([&](INFO_DATATYPE* t, void* b, size_t* s) {
-      return fn.DSGetInfo(stream, STREAM_INFO_PAYLOAD_SIZE, t, b, s);
-    });
+    return InfoValue<size_t>(
+        [&](INFO_DATATYPE* t, void* b, size_t* s) { return fn.DSGetInfo(stream, STREAM_INFO_PAYLOAD_SIZE, t, b, s); });
   }
   size_t StreamInfo(STREAM_INFO_CMD command) const {
-    return InfoValue<size_t>([&](INFO_DATATYPE* t, void* b, size_t* s) { return fn.DSGetInfo(stream, command, t, b, s); });
+    return InfoValue<size_t>(
+        [&](INFO_DATATYPE* t, void* b, size_t* s) { return fn.DSGetInfo(stream, command, t, b, s); });
   }
-  template <typename T> T BufferInfo(BUFFER_HANDLE buffer, BUFFER_INFO_CMD command) const {
+  template <typename T>
+  T BufferInfo(BUFFER_HANDLE buffer, BUFFER_INFO_CMD command) const {
     return InfoValue<T>(
         [&](INFO_DATATYPE* t, void* b, size_t* s) { return fn.DSGetBufferInfo(stream, buffer, command, t, b, s); });
   }
@@ -243,4 +246,4 @@ struct SOpenDevice {
   std::string deviceId;
 };
 
-} // namespace TalvirSimTest
+}  // namespace TalvirSimTest

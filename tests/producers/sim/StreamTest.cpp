@@ -55,7 +55,7 @@ struct SStreaming {
   std::unique_ptr<SOpenDevice> device;
 };
 
-} // namespace
+}  // namespace
 
 TEST(SimStream, EveryOfferedFormatDeliversTheDocumentedPattern) {
   SStreaming s;
@@ -285,8 +285,7 @@ TEST(SimStream, ChunkDataCarriesTimestampFrameIdAndExposure) {
   EXPECT_EQ(fn.DSGetBufferChunkData(s.device->stream, data.BufferHandle, chunks, &small), GC_ERR_BUFFER_TOO_SMALL);
   EXPECT_EQ(small, 3u);
   ASSERT_EQ(fn.DSGetBufferChunkData(s.device->stream, data.BufferHandle, chunks, &count), GC_ERR_SUCCESS);
-  const auto* base = static_cast<const uint8_t*>(
-      s.device->BufferInfo<void*>(data.BufferHandle, BUFFER_INFO_BASE));
+  const auto* base = static_cast<const uint8_t*>(s.device->BufferInfo<void*>(data.BufferHandle, BUFFER_INFO_BASE));
   auto be64 = [&](ptrdiff_t offset) {
     uint64_t value = 0;
     for (int i = 0; i < 8; ++i) {
@@ -341,7 +340,8 @@ TEST(SimStream, AFrameDueWithoutAQueuedBufferIsCountedAsUnderrun) {
   const uint64_t held = s.device->BufferInfo<uint64_t>(data.BufferHandle, BUFFER_INFO_FRAMEID);
   s.fn().DSQueueBuffer(s.device->stream, data.BufferHandle);
   ASSERT_EQ(s.Next(event, data), GC_ERR_SUCCESS);
-  EXPECT_GT(s.device->BufferInfo<uint64_t>(data.BufferHandle, BUFFER_INFO_FRAMEID), held + 1);  // IDs of lost frames skipped
+  EXPECT_GT(s.device->BufferInfo<uint64_t>(data.BufferHandle, BUFFER_INFO_FRAMEID),
+            held + 1);  // IDs of lost frames skipped
 }
 
 TEST(SimStream, FramesFollowTheFrameRate) {

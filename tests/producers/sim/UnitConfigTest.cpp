@@ -22,7 +22,7 @@ std::string ErrorOf(const std::string& json) {
   return "(accepted)";
 }
 
-} // namespace
+}  // namespace
 
 TEST(SimConfig, TheFileNameChoosesTheFlavour) {
   EXPECT_EQ(FlavourFromFileName("/a/b/TalvirSimGEVTL.cti"), EFlavour::GEV);
@@ -32,7 +32,7 @@ TEST(SimConfig, TheFileNameChoosesTheFlavour) {
   EXPECT_EQ(FlavourFromFileName("TalvirSimCL.cti"), EFlavour::CL);
   EXPECT_EQ(FlavourFromFileName("grabbercl.cti"), EFlavour::CL);
   EXPECT_EQ(FlavourFromFileName("TalvirSim.cti"), EFlavour::Custom);
-  EXPECT_EQ(FlavourFromFileName("CLOCK.cti"), EFlavour::Custom);  // "CL" must end the name
+  EXPECT_EQ(FlavourFromFileName("CLOCK.cti"), EFlavour::Custom);             // "CL" must end the name
   EXPECT_EQ(FlavourFromFileName("/gevtl/TalvirSim.cti"), EFlavour::Custom);  // only the file name counts
   EXPECT_STREQ(FlavourTLType(EFlavour::GEV), "GEV");
   EXPECT_STREQ(FlavourTLType(EFlavour::Custom), "Custom");
@@ -102,15 +102,14 @@ TEST(SimConfig, BadFilesAreRejectedWithTheOffendingKey) {
   EXPECT_NE(ErrorOf("[1,2").find("not valid JSON"), std::string::npos);
   EXPECT_NE(ErrorOf(R"({"vendr":"x"})").find("config.vendr: unknown key"), std::string::npos);
   EXPECT_NE(ErrorOf(R"({"interfaces":{}})").find("config.interfaces: expected a list"), std::string::npos);
-  EXPECT_NE(ErrorOf(R"({"interfaces":[{"devices":[{"width":"wide"}]}]})").find("devices[0].width"),
-            std::string::npos);
+  EXPECT_NE(ErrorOf(R"({"interfaces":[{"devices":[{"width":"wide"}]}]})").find("devices[0].width"), std::string::npos);
   EXPECT_NE(ErrorOf(R"({"interfaces":[{"devices":[{"width":-4}]}]})").find("non-negative"), std::string::npos);
   EXPECT_NE(ErrorOf(R"({"interfaces":[{"devices":[{"width":66}]}]})").find("multiple of 4"), std::string::npos);
   EXPECT_NE(ErrorOf(R"({"interfaces":[{"devices":[{"width":1024}]}]})").find("exceed"), std::string::npos);
   EXPECT_NE(ErrorOf(R"({"interfaces":[{"devices":[{"id":"A"},{"id":"A"}]}]})").find("used twice"), std::string::npos);
-  EXPECT_NE(ErrorOf(R"({"interfaces":[{"devices":[{"pixelFormats":["Mono8"],"pixelFormat":"Mono16"}]}]})")
-                .find("not among"),
-            std::string::npos);
+  EXPECT_NE(
+      ErrorOf(R"({"interfaces":[{"devices":[{"pixelFormats":["Mono8"],"pixelFormat":"Mono16"}]}]})").find("not among"),
+      std::string::npos);
   EXPECT_NE(ErrorOf(R"({"interfaces":[{"devices":[{"urlScheme":"file:"}]}]})").find("urlScheme"), std::string::npos);
   EXPECT_NE(ErrorOf(R"({"interfaces":[{"devices":[{"customInfo":{"12":"x"}}]}]})").find("start at 1000"),
             std::string::npos);

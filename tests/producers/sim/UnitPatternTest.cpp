@@ -16,7 +16,7 @@ std::vector<uint8_t> Image(const char* name, uint64_t width, uint64_t height, ui
   return format ? MakeImage(*format, width, height, frame) : std::vector<uint8_t>{};
 }
 
-} // namespace
+}  // namespace
 
 TEST(SimPattern, EveryFormatIsFoundByNameAndCode) {
   EXPECT_EQ(AllPixelFormats().size(), 65u);
@@ -33,7 +33,7 @@ TEST(SimPattern, EveryFormatIsFoundByNameAndCode) {
 
 TEST(SimPattern, Mono8FollowsTheFormulaAndWraps) {
   const auto image = Image("Mono8", 300, 3, 1);
-  EXPECT_EQ(image[0], 7);                  // (0 + 0 + 7)
+  EXPECT_EQ(image[0], 7);  // (0 + 0 + 7)
   EXPECT_EQ(image[5 + 300 * 2], 5 + 6 + 7);
   EXPECT_EQ(image[260], (260 + 7) & 0xFF);  // wraps within a row
 }

@@ -59,11 +59,9 @@ bool SerialUsable(const CLPSerial* serial) {
          serial->getSupportedBaudRates != nullptr && serial->setBaudRate != nullptr;
 }
 
-} // namespace
+}  // namespace
 
-CLP_EXPORT int32_t clpInitLib() {
-  return CL_ERR_NO_ERR;
-}
+CLP_EXPORT int32_t clpInitLib() { return CL_ERR_NO_ERR; }
 
 CLP_EXPORT int32_t clpCloseLib() {
   const std::lock_guard<std::mutex> guard(g_sessionsLock);
@@ -208,10 +206,8 @@ CLP_EXPORT int32_t clpIsParamSupported(uint32_t param) {
   switch (param) {
   case CLP_PARAM_BAUDRATE:
   case CLP_PARAM_DEFAULT_TIMEOUT:
-  case CLP_PARAM_MAX_BAUDRATES:
-    return CL_ERR_NO_ERR;
-  default:
-    return CL_ERR_PARAM_NOT_SUPPORTED;
+  case CLP_PARAM_MAX_BAUDRATES: return CL_ERR_NO_ERR;
+  default: return CL_ERR_PARAM_NOT_SUPPORTED;
   }
 }
 
@@ -230,12 +226,8 @@ CLP_EXPORT int32_t clpGetParam(const CLPSerial* serial, CLPCookie cookie, uint32
   }
   uint32_t value = 0;
   switch (param) {
-  case CLP_PARAM_BAUDRATE:
-    value = session->CurrentBaudRate();
-    break;
-  case CLP_PARAM_DEFAULT_TIMEOUT:
-    value = session->DefaultTimeoutMs();
-    break;
+  case CLP_PARAM_BAUDRATE: value = session->CurrentBaudRate(); break;
+  case CLP_PARAM_DEFAULT_TIMEOUT: value = session->DefaultTimeoutMs(); break;
   case CLP_PARAM_MAX_BAUDRATES: {
     const int32_t status = session->SharedBaudRates(*serial, value);
     if (status != CL_ERR_NO_ERR) {
@@ -243,8 +235,7 @@ CLP_EXPORT int32_t clpGetParam(const CLPSerial* serial, CLPCookie cookie, uint32
     }
     break;
   }
-  default:
-    return CL_ERR_PARAM_NOT_SUPPORTED;
+  default: return CL_ERR_PARAM_NOT_SUPPORTED;
   }
   std::memcpy(buffer, &value, sizeof value);
   *size = sizeof value;
@@ -266,17 +257,14 @@ CLP_EXPORT int32_t clpSetParam(const CLPSerial* serial, CLPCookie cookie, uint32
   uint32_t value = 0;
   std::memcpy(&value, buffer, sizeof value);
   switch (param) {
-  case CLP_PARAM_BAUDRATE:
-    return session->SwitchBaudRate(*serial, value);
+  case CLP_PARAM_BAUDRATE: return session->SwitchBaudRate(*serial, value);
   case CLP_PARAM_DEFAULT_TIMEOUT:
     if (value == 0) {
       return CL_ERR_PARAM_DATA_VALUE;
     }
     session->SetDefaultTimeoutMs(value);
     return CL_ERR_NO_ERR;
-  case CLP_PARAM_MAX_BAUDRATES:
-    return CL_ERR_PARAM_READ_ONLY;
-  default:
-    return CL_ERR_PARAM_NOT_SUPPORTED;
+  case CLP_PARAM_MAX_BAUDRATES: return CL_ERR_PARAM_READ_ONLY;
+  default: return CL_ERR_PARAM_NOT_SUPPORTED;
   }
 }

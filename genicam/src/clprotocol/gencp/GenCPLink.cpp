@@ -19,7 +19,7 @@ constexpr uint32_t kPendingSlackMs = 100;
 constexpr uint64_t kBitsPerByte = 10;
 constexpr uint64_t kTransferSlackMs = 20;
 
-} // namespace
+}  // namespace
 
 CGenCPLink::EWait CGenCPLink::ReadPacket(const CLPSerial& serial, Clock::time_point deadline, SPacket& packet,
                                          bool& sawBytes) {
@@ -105,23 +105,17 @@ int32_t CGenCPLink::WaitForAck(const CLPSerial& serial, Clock::time_point start,
     SPacket packet;
     const EWait result = ReadPacket(serial, deadline, packet, sawBytes);
     switch (result) {
-    case EWait::Packet:
-      break;
-    case EWait::Timeout:
-      return CL_ERR_TIMEOUT;
-    case EWait::Truncated:
-      return CL_ERR_TIMEOUT;
-    case EWait::BadChecksum:
-      continue;
+    case EWait::Packet: break;
+    case EWait::Timeout: return CL_ERR_TIMEOUT;
+    case EWait::Truncated: return CL_ERR_TIMEOUT;
+    case EWait::BadChecksum: continue;
     case EWait::Gone:
       m_lastError = "the serial port is gone (cable pulled or device closed)";
       return CL_ERR_ERROR_NOT_FOUND;
-    case EWait::Failed:
-      m_lastError = "the serial port failed";
-      return CL_ERR_GET_LAST_ERROR;
+    case EWait::Failed: m_lastError = "the serial port failed"; return CL_ERR_GET_LAST_ERROR;
     }
     if (packet.channel != 0) {
-      continue; // another channel's traffic is not ours
+      continue;  // another channel's traffic is not ours
     }
     if (packet.requestId != m_pendingRequestId) {
       ++m_droppedRequestId;
@@ -239,8 +233,8 @@ int32_t CGenCPLink::ReadMem(const CLPSerial& serial, uint64_t address, uint8_t* 
   while (done < length) {
     const size_t chunk = std::min(length - done, kMaxScdSize);
     SPacket ack;
-    const int32_t status =
-        Transact(serial, READMEM_CMD, ReadMemScd(address + done, static_cast<uint16_t>(chunk)), timeoutMs, false, ack);
+    const int32_t status = Transact(serial, READMEM_CMD, ReadMemScd(address + done, static_cast<uint16_t>(chunk)),
+                                    timeoutMs, false, ack);
     if (status != CL_ERR_NO_ERR) {
       return status;
     }
@@ -375,5 +369,5 @@ int32_t CGenCPLink::WriteMemStacked(const CLPSerial& serial, const std::vector<S
   return CL_ERR_NO_ERR;
 }
 
-} // namespace GenCP
-} // namespace CLProtocol
+}  // namespace GenCP
+}  // namespace CLProtocol

@@ -17,8 +17,8 @@ namespace GenCP {
 // One entry of a stacked read or write.
 struct SStackedEntry {
   uint64_t address = 0;
-  std::vector<uint8_t> data; // read: filled with `length` bytes; write: the bytes to write
-  uint16_t length = 0;       // read length (ignored for writes)
+  std::vector<uint8_t> data;  // read: filled with `length` bytes; write: the bytes to write
+  uint16_t length = 0;        // read length (ignored for writes)
 };
 
 class CGenCPLink {
@@ -91,5 +91,5 @@ private:
   uint32_t m_pendingWaitMs = 0;
 };
 
-} // namespace GenCP
-} // namespace CLProtocol
+}  // namespace GenCP
+}  // namespace CLProtocol

@@ -7,32 +7,19 @@ namespace GenCP {
 
 const char* StatusName(uint16_t status) {
   switch (status) {
-  case STATUS_SUCCESS:
-    return "SUCCESS";
-  case STATUS_NOT_IMPLEMENTED:
-    return "NOT_IMPLEMENTED";
-  case STATUS_INVALID_PARAMETER:
-    return "INVALID_PARAMETER";
-  case STATUS_INVALID_ADDRESS:
-    return "INVALID_ADDRESS";
-  case STATUS_WRITE_PROTECT:
-    return "WRITE_PROTECT";
-  case STATUS_BAD_ALIGNMENT:
-    return "BAD_ALIGNMENT";
-  case STATUS_ACCESS_DENIED:
-    return "ACCESS_DENIED";
-  case STATUS_BUSY:
-    return "BUSY";
-  case STATUS_MSG_TIMEOUT:
-    return "MSG_TIMEOUT";
-  case STATUS_INVALID_HEADER:
-    return "INVALID_HEADER";
-  case STATUS_WRONG_CONFIG:
-    return "WRONG_CONFIG";
-  case STATUS_GENCP_ERROR:
-    return "GENCP_ERROR";
-  default:
-    return "UNKNOWN";
+  case STATUS_SUCCESS: return "SUCCESS";
+  case STATUS_NOT_IMPLEMENTED: return "NOT_IMPLEMENTED";
+  case STATUS_INVALID_PARAMETER: return "INVALID_PARAMETER";
+  case STATUS_INVALID_ADDRESS: return "INVALID_ADDRESS";
+  case STATUS_WRITE_PROTECT: return "WRITE_PROTECT";
+  case STATUS_BAD_ALIGNMENT: return "BAD_ALIGNMENT";
+  case STATUS_ACCESS_DENIED: return "ACCESS_DENIED";
+  case STATUS_BUSY: return "BUSY";
+  case STATUS_MSG_TIMEOUT: return "MSG_TIMEOUT";
+  case STATUS_INVALID_HEADER: return "INVALID_HEADER";
+  case STATUS_WRONG_CONFIG: return "WRONG_CONFIG";
+  case STATUS_GENCP_ERROR: return "GENCP_ERROR";
+  default: return "UNKNOWN";
   }
 }
 
@@ -66,25 +53,19 @@ void PutU64(std::vector<uint8_t>& out, uint64_t value) {
   PutU32(out, static_cast<uint32_t>(value));
 }
 
-uint16_t GetU16(const uint8_t* data) {
-  return static_cast<uint16_t>(data[0] << 8 | data[1]);
-}
+uint16_t GetU16(const uint8_t* data) { return static_cast<uint16_t>(data[0] << 8 | data[1]); }
 
-uint32_t GetU32(const uint8_t* data) {
-  return static_cast<uint32_t>(GetU16(data)) << 16 | GetU16(data + 2);
-}
+uint32_t GetU32(const uint8_t* data) { return static_cast<uint32_t>(GetU16(data)) << 16 | GetU16(data + 2); }
 
-uint64_t GetU64(const uint8_t* data) {
-  return static_cast<uint64_t>(GetU32(data)) << 32 | GetU32(data + 4);
-}
+uint64_t GetU64(const uint8_t* data) { return static_cast<uint64_t>(GetU32(data)) << 32 | GetU32(data + 4); }
 
 std::vector<uint8_t> Encode(const SPacket& packet) {
   std::vector<uint8_t> bytes;
   bytes.reserve(kHeaderSize + packet.scd.size());
   bytes.push_back(kPreamble0);
   bytes.push_back(kPreamble1);
-  PutU16(bytes, 0); // CCD checksum, below
-  PutU16(bytes, 0); // SCD checksum, below
+  PutU16(bytes, 0);  // CCD checksum, below
+  PutU16(bytes, 0);  // SCD checksum, below
   PutU16(bytes, packet.channel);
   PutU16(bytes, packet.flagsOrStatus);
   PutU16(bytes, packet.commandId);
@@ -181,5 +162,5 @@ std::string HexText(const uint8_t* data, size_t size) {
   return text;
 }
 
-} // namespace GenCP
-} // namespace CLProtocol
+}  // namespace GenCP
+}  // namespace CLProtocol

@@ -70,12 +70,12 @@ struct SPacket {
 std::vector<uint8_t> Encode(const SPacket& packet);
 
 enum class EParse {
-  Complete,       // a whole packet; `consumed` bytes belong to it
-  NeedMore,       // not enough bytes yet; nothing consumed
-  BadPreamble,    // the first byte cannot start a packet; drop `consumed` (1) byte
-  BadCcdChecksum, // header damaged: its length cannot be trusted; drop `consumed` bytes (the header)
-  BadScdChecksum, // the data are damaged; drop `consumed` bytes (the whole packet)
-  TooLong         // the header announces more than fits in a packet; drop `consumed` bytes (the header)
+  Complete,        // a whole packet; `consumed` bytes belong to it
+  NeedMore,        // not enough bytes yet; nothing consumed
+  BadPreamble,     // the first byte cannot start a packet; drop `consumed` (1) byte
+  BadCcdChecksum,  // header damaged: its length cannot be trusted; drop `consumed` bytes (the header)
+  BadScdChecksum,  // the data are damaged; drop `consumed` bytes (the whole packet)
+  TooLong          // the header announces more than fits in a packet; drop `consumed` bytes (the header)
 };
 
 // Parses the packet at the start of `data`.
@@ -112,5 +112,5 @@ private:
 // Hexadecimal text of bytes ("01 00 b7 f2"), for messages and tests.
 std::string HexText(const uint8_t* data, size_t size);
 
-} // namespace GenCP
-} // namespace CLProtocol
+}  // namespace GenCP
+}  // namespace CLProtocol

@@ -32,11 +32,9 @@ constexpr uint32_t kFallbackWaitMs = 150;
 // The confirming write must be acknowledged well inside the device's window.
 constexpr uint32_t kConfirmTimeoutMs = 200;
 
-} // namespace
+}  // namespace
 
-const std::string& CGenCPSession::LastError() const {
-  return m_lastError.empty() ? m_link.LastError() : m_lastError;
-}
+const std::string& CGenCPSession::LastError() const { return m_lastError.empty() ? m_link.LastError() : m_lastError; }
 
 int32_t CGenCPSession::Fail(int32_t status, const std::string& text) {
   m_lastError = text;
@@ -251,8 +249,8 @@ int32_t CGenCPSession::XmlDescription(const CLPSerial& serial, const std::string
   }
   if (m_descriptions[index].empty() && entry.size > 0) {
     std::string data(static_cast<size_t>(entry.size), '\0');
-    status =
-        m_link.ReadMem(serial, entry.address, reinterpret_cast<uint8_t*>(&data[0]), data.size(), m_defaultTimeoutMs);
+    status = m_link.ReadMem(serial, entry.address, reinterpret_cast<uint8_t*>(&data[0]), data.size(),
+                            m_defaultTimeoutMs);
     if (status != CL_ERR_NO_ERR) {
       return status;
     }
@@ -299,8 +297,8 @@ int32_t CGenCPSession::SharedBaudRates(const CLPSerial& serial, uint32_t& rates)
   uint32_t device = CL_BAUDRATE_9600;
   if ((m_capability & Capability::kSerialTechnologyMap) != 0 && m_sbrmAddress != 0) {
     uint8_t word[4];
-    const int32_t status =
-        m_link.ReadMem(serial, m_sbrmAddress + Sbrm::kSupportedBaudRates, word, 4, m_defaultTimeoutMs);
+    const int32_t status = m_link.ReadMem(serial, m_sbrmAddress + Sbrm::kSupportedBaudRates, word, 4,
+                                          m_defaultTimeoutMs);
     if (status != CL_ERR_NO_ERR) {
       return status;
     }
@@ -366,5 +364,5 @@ int32_t CGenCPSession::SwitchBaudRate(const CLPSerial& serial, uint32_t rateBit)
                                                   std::to_string(BaudRateOfBit(oldRate)) + " baud");
 }
 
-} // namespace GenCP
-} // namespace CLProtocol
+}  // namespace GenCP
+}  // namespace CLProtocol

@@ -69,11 +69,11 @@ private:
   uint64_t m_sbrmAddress = 0;
   bool m_manifestRead = false;
   std::vector<SManifestEntry> m_manifest;
-  std::vector<std::string> m_descriptions; // downloaded files by manifest index (empty: not yet)
+  std::vector<std::string> m_descriptions;  // downloaded files by manifest index (empty: not yet)
   uint32_t m_baudRate = CL_BAUDRATE_9600;
   uint32_t m_defaultTimeoutMs = 500;
   std::string m_lastError;
 };
 
-} // namespace GenCP
-} // namespace CLProtocol
+}  // namespace GenCP
+}  // namespace CLProtocol

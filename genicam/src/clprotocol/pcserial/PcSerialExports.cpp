@@ -39,19 +39,15 @@ CPcSerialPorts::SOpenPort* PortOf(void* reference) {
 
 int32_t StatusOf(ESerialResult result) {
   switch (result) {
-  case ESerialResult::Ok:
-    return CL_ERR_NO_ERR;
-  case ESerialResult::Timeout:
-    return CL_ERR_TIMEOUT;
-  case ESerialResult::Gone:
-    return CL_ERR_ERROR_NOT_FOUND;
-  case ESerialResult::Failed:
-    return CL_ERR_INVALID_REFERENCE;
+  case ESerialResult::Ok: return CL_ERR_NO_ERR;
+  case ESerialResult::Timeout: return CL_ERR_TIMEOUT;
+  case ESerialResult::Gone: return CL_ERR_ERROR_NOT_FOUND;
+  case ESerialResult::Failed: return CL_ERR_INVALID_REFERENCE;
   }
   return CL_ERR_INVALID_REFERENCE;
 }
 
-} // namespace
+}  // namespace
 
 CL_EXPORT int32_t clGetNumSerialPorts(uint32_t* count) {
   if (count == nullptr) {
@@ -71,7 +67,7 @@ CL_EXPORT int32_t clGetSerialPortIdentifier(uint32_t index, char* identifier, ui
 
 CL_EXPORT int32_t clGetManufacturerInfo(char* name, uint32_t* size, uint32_t* version) {
   if (version != nullptr) {
-    *version = 0x00020000; // serial interface revision 2.0
+    *version = 0x00020000;  // serial interface revision 2.0
   }
   return CopyText(kManufacturer, name, size);
 }

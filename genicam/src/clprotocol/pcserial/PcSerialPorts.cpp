@@ -80,4 +80,4 @@ void CPcSerialPorts::Close(SOpenPort* port) {
   }
 }
 
-} // namespace CLProtocol
+}  // namespace CLProtocol

@@ -17,7 +17,7 @@ public:
   // One opened port.
   struct SOpenPort {
     std::string path;
-    std::mutex lock; // calls on one port are serialised
+    std::mutex lock;  // calls on one port are serialised
     GenICam::Platform::CSerialDevice device;
   };
 
@@ -41,4 +41,4 @@ private:
   std::set<std::unique_ptr<SOpenPort>> m_open;
 };
 
-} // namespace CLProtocol
+}  // namespace CLProtocol

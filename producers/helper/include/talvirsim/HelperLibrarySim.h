@@ -11,9 +11,9 @@
 
 // One recorded call of a set function.
 struct SHelperPush {
-  char function[32]; // "SetCameraFrameRate", ...
-  uint32_t address;  // IPv4 address in network byte order
-  double value;      // the value passed (bools and integers converted)
+  char function[32];  // "SetCameraFrameRate", ...
+  uint32_t address;   // IPv4 address in network byte order
+  double value;       // the value passed (bools and integers converted)
 };
 
 // The helper library's own exports.
