@@ -2,6 +2,7 @@
 
 #include "camera/CtiPort.h"
 #include "camera/GenImage.h"
+#include "camera/GevFeatures.h"
 #include "camera/HelperLibrary.h"
 #include "gentl/CameraInfo.h"
 #include "gentl/Cti.h"
@@ -20,8 +21,6 @@ constexpr uint64_t kPacketSizeMaxRegister = 0x22C;
 constexpr uint64_t kPacketSizeIncRegister = 0x230;
 constexpr uint64_t kSettingsRegister = 0x24;
 constexpr uint32_t kSettingsValue = 0x430;
-// A device that reports an increment of 1 is given 4-byte steps.
-constexpr int64_t kMinimumPacketStep = 4;
 constexpr int64_t kImageTimeoutMs = 2000;
 // The fetch result that counts as a packet time-out: an image delivered incomplete.
 constexpr int32_t kPacketTimeoutResult = Status::ImageIncomplete;
@@ -83,17 +82,11 @@ void CGevCamera::SetUpProducer() {
     producer->Api().GCWritePort(device->Handle(), address, value, &size);
   };
   try {
-    GenApi::CIntegerPtr packetSize = NodeOf<GenApi::IInteger>(*remote->GetNodeMap(), "GevSCPSPacketSize");
-    if (packetSize.IsValid()) {
-      const int64_t minimum = packetSize->GetMin() == -1 ? 0 : packetSize->GetMin();
-      const int64_t maximum = packetSize->GetMax() == -1 ? 0 : packetSize->GetMax();
-      const int64_t increment = packetSize->GetInc() == 1 ? kMinimumPacketStep : packetSize->GetInc();
-      for (const auto& [address, value] :
-           {std::pair{kPacketSizeMinRegister, minimum}, std::pair{kPacketSizeMaxRegister, maximum},
-            std::pair{kPacketSizeIncRegister, increment}}) {
-        const auto value16 = static_cast<uint16_t>(value);
-        writeRegister(address, &value16, sizeof value16);
-      }
+    SPacketSizeLimits limits;
+    if (CGevFeatures::ReadPacketSizeLimits(*remote->GetNodeMap(), limits)) {
+      writeRegister(kPacketSizeMinRegister, &limits.minimum, sizeof limits.minimum);
+      writeRegister(kPacketSizeMaxRegister, &limits.maximum, sizeof limits.maximum);
+      writeRegister(kPacketSizeIncRegister, &limits.increment, sizeof limits.increment);
       const uint32_t settings = kSettingsValue;
       writeRegister(kSettingsRegister, &settings, sizeof settings);
     }
@@ -126,80 +119,12 @@ void CGevCamera::PushToHelper() {
   if (features == nullptr || !helper.HasSetFunctions()) {
     return;
   }
-  const uint32_t address = m_address;
-  // Scan type: only line-scan cameras have a line rate.
-  const bool lineScan = features->GetNode("AcquisitionLineRate") != nullptr;
-  helper.SetCameraScanType.load()(address, lineScan);
-
-  int trigger = 0;
-  try {
-    GenApi::CEnumerationPtr selector(features->GetNode("TriggerSelector"));
-    if (selector.IsValid()) {
-      const GenICam::gcstring previous = selector->ToString(true, true);
-      selector->FromString("LineStart");
-      GenApi::CEnumerationPtr mode(features->GetNode("TriggerMode"));
-      if (mode.IsValid() && mode->ToString(true, true) == "On") {
-        trigger = 1;
-      }
-      selector->FromString(previous);
-    }
-  } catch (const GenICam::GenericException&) {
-    trigger = 0;
-  }
-  helper.SetCameraTriggerSelector.load()(address, trigger);
-
-  float frameRate = 0.0f;
-  try {
-    if (lineScan) {
-      GenApi::CIntegerPtr height(features->GetNode("Height"));
-      GenApi::CFloatPtr lineRate(features->GetNode("ResultingLineRate"));
-      if (height.IsValid() && lineRate.IsValid()) {
-        const auto lines = static_cast<float>(height->GetValue(true, true));
-        frameRate = lines != 0.0f ? static_cast<float>(lineRate->GetValue(true, true)) / lines : 0.0f;
-      }
-    } else {
-      GenApi::INode* rateNode = features->GetNode("ResultingFrameRateAbs");
-      if (rateNode == nullptr) {
-        rateNode = features->GetNode("ResultingFrameRate");
-      }
-      GenApi::CFloatPtr rate(rateNode);
-      if (rate.IsValid()) {
-        frameRate = static_cast<float>(rate->GetValue(true, true));
-      }
-    }
-  } catch (const GenICam::GenericException&) {
-    frameRate = 0.0f;
-  }
-  helper.SetCameraFrameRate.load()(address, frameRate);
-
-  float exposure = 0.0f;
-  try {
-    GenApi::INode* exposureNode = nullptr;
-    for (const char* name : {"ExposureTime", "ExposureTimeAbs", "ExposureTimeRaw"}) {
-      exposureNode = features->GetNode(name);
-      if (exposureNode != nullptr) {
-        break;
-      }
-    }
-    GenApi::CFloatPtr exposureValue(exposureNode);
-    if (exposureValue.IsValid()) {
-      exposure = static_cast<float>(exposureValue->GetValue(true, true));
-    }
-  } catch (const GenICam::GenericException&) {
-    exposure = 0.0f;
-  }
-  helper.SetCameraExposureTime.load()(address, exposure);
-
-  uint32_t packetDelay = 0;
-  try {
-    GenApi::CIntegerPtr delay(features->GetNode("GevSCPD"));
-    if (delay.IsValid()) {
-      packetDelay = static_cast<uint32_t>(delay->GetValue(true, true));
-    }
-  } catch (const GenICam::GenericException&) {
-    packetDelay = 0;
-  }
-  helper.SetCameraSCPD.load()(address, packetDelay);
+  const SHelperSettings settings = CGevFeatures::ReadHelperSettings(*features);
+  helper.SetCameraScanType.load()(m_address, settings.lineScan);
+  helper.SetCameraTriggerSelector.load()(m_address, settings.lineStartTrigger);
+  helper.SetCameraFrameRate.load()(m_address, settings.frameRate);
+  helper.SetCameraExposureTime.load()(m_address, settings.exposure);
+  helper.SetCameraSCPD.load()(m_address, settings.packetDelay);
 }
 
 int32_t CGevCamera::StartAcquisition(uint64_t count) {
@@ -241,15 +166,9 @@ void CGevCamera::ReadStartState(GenApi::INodeMap& features) {
   StoreGeometry(w > 0 ? static_cast<uint64_t>(w) : StoredWidth(), h > 0 ? static_cast<uint64_t>(h) : StoredHeight(),
                 pixelFormat);
   GenApi::CEnumerationPtr partial(features.GetNode("PartialImageOutputMode"));
-  if (GenApi::IsReadable(partial)) {
-    const GenICam::gcstring mode = partial->ToString();
-    if (mode == "PartialImageOutput") {
-      StorePartialImageMode(PartialImageMode::Output);
-    } else if (mode == "PartialImageDiscard") {
-      StorePartialImageMode(PartialImageMode::Discard);
-    } else if (mode == "PartialImageFilled") {
-      StorePartialImageMode(PartialImageMode::Filled);
-    }
+  uint32_t code = 0;
+  if (GenApi::IsReadable(partial) && CGevFeatures::PartialImageModeOf(partial->ToString().c_str(), code)) {
+    StorePartialImageMode(code);
   }
 }
 
