@@ -3,7 +3,7 @@
 #   talvir_add_test(NAME n SOURCES a.cpp ... [LIBS l ...] [LABELS unit|integration ...] [DEPENDS t ...])
 #     a GoogleTest program, its tests registered one by one with ctest under the given labels.
 #     DEPENDS names targets the tests load at run time (producers, test doubles) so they are built first.
-#     A program named in TALVIR_THREADED_TESTS also gets the label "threads" and joins the target threaded_tests.
+#     A program named in TALVIR_THREADED_TESTS gets its label with "-threads" appended and joins threaded_tests.
 #   talvir_add_bench(NAME n SOURCES a.cpp ... [LIBS l ...])
 #     a Google Benchmark program; built by default, never run by ctest.
 function(talvir_add_test)
@@ -12,9 +12,11 @@ function(talvir_add_test)
     set(T_LABELS unit)
   endif()
   add_executable(${T_NAME} ${T_SOURCES})
-  # Programs that exercise threads also carry the label "threads": the ThreadSanitizer run builds and runs only them.
+  # Programs that exercise threads carry their label with "-threads" appended ("unit-threads"): ctest takes -L as a
+  # regular expression, so -L unit still selects them and -L threads selects only them. One label each, because
+  # the test discovery cannot pass a list-valued property. The ThreadSanitizer run builds and runs only these.
   if(T_NAME IN_LIST TALVIR_THREADED_TESTS)
-    list(APPEND T_LABELS threads)
+    list(TRANSFORM T_LABELS APPEND "-threads")
     add_dependencies(threaded_tests ${T_NAME})
   endif()
   target_link_libraries(${T_NAME} PRIVATE ${T_LIBS} GTest::gmock GTest::gtest_main Threads::Threads)
