@@ -1,26 +1,6 @@
 // The exported interface-module functions.
-#include "ExportGuard.h"
-#include "Library.h"
-#include "Modules.h"
+#include "ExportPrelude.h"
 #include <cstring>
-
-using namespace GenTL;
-using TalvirSim::CDataStream;
-using TalvirSim::CDevice;
-using TalvirSim::CEvent;
-using TalvirSim::CEventSource;
-using TalvirSim::CGenTLError;
-using TalvirSim::CInterface;
-using TalvirSim::CPortModule;
-using TalvirSim::CRemotePort;
-using TalvirSim::CSystem;
-using TalvirSim::Fail;
-using TalvirSim::Guarded;
-using TalvirSim::Lib;
-using TalvirSim::RequireId;
-using TalvirSim::RequireOut;
-using TalvirSim::RequireSize;
-using TalvirSim::SInfoOut;
 
 extern "C" {
 
