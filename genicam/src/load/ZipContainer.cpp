@@ -41,13 +41,14 @@ private:
   size_t m_size;
 };
 
-// The end record is the last 22 bytes unless the archive carries a comment (up to 64 KiB) after it.
+// The end record is the last 22 bytes unless the archive carries a comment (up to 64 KiB) after it. The last
+// signature wins and a comment cut short is tolerated, as minizip (the Linux reader) does: the comment is not read.
 size_t FindEndRecord(const CBytes& bytes) {
   if (bytes.Size() < kEndSize) return SIZE_MAX;
   const size_t last = bytes.Size() - kEndSize;
   const size_t first = last > kMaxComment ? last - kMaxComment : 0;
   for (size_t at = last + 1; at-- > first;) {
-    if (bytes.U32(at) == kEndSignature && bytes.U16(at + 20) <= bytes.Size() - kEndSize - at) return at;
+    if (bytes.U32(at) == kEndSignature) return at;
   }
   return SIZE_MAX;
 }
