@@ -117,7 +117,14 @@ public:
       m_offset = 0;
       m_line = 1;
     }
-    m_line += static_cast<uint32_t>(std::count(m_text.begin() + m_offset, m_text.begin() + offset, '\n'));
+    const char* at = m_text.data() + m_offset;
+    const char* const end = m_text.data() + offset;
+    while (at < end) {
+      const void* found = std::memchr(at, '\n', static_cast<size_t>(end - at));
+      if (found == nullptr) break;
+      ++m_line;
+      at = static_cast<const char*>(found) + 1;
+    }
     m_offset = offset;
     return m_line;
   }

@@ -13,6 +13,8 @@
 #include <xmllite.h>
 
 #include <cstring>
+#include <string>
+#include <utility>
 
 #include "platform/XmlParser.h"
 
@@ -21,6 +23,8 @@ namespace Platform {
 namespace {
 
 using CreateReaderFunction = HRESULT(WINAPI*)(REFIID, void**, IMalloc*);
+
+constexpr int kMaxRepeats = 8;
 
 // Loaded once for the life of the process: every later description is parsed by the same module.
 CreateReaderFunction ReaderFactory() {
@@ -58,12 +62,15 @@ public:
   ULONG STDMETHODCALLTYPE AddRef() override { return ++m_references; }
   ULONG STDMETHODCALLTYPE Release() override { return --m_references; }
 
+  // At the end, a reader that keeps asking (a text cut short sends some readers round in circles) is told, after a
+  // few empty answers, that the input has ended, so that it reports the error instead of waiting for more.
   HRESULT STDMETHODCALLTYPE Read(void* buffer, ULONG size, ULONG* read) override {
     const size_t left = m_size - m_position;
     const ULONG count = static_cast<ULONG>(size < left ? size : left);
     if (count > 0) std::memcpy(buffer, m_data + m_position, count);
     m_position += count;
     if (read != nullptr) *read = count;
+    if (count == 0 && size > 0 && ++m_emptyReads > kMaxEmptyReads) return static_cast<HRESULT>(MX_E_INPUTEND);
     return count < size ? S_FALSE : S_OK;
   }
   HRESULT STDMETHODCALLTYPE Write(const void*, ULONG, ULONG* written) override {
@@ -76,6 +83,8 @@ private:
   size_t m_size;
   size_t m_position = 0;
   ULONG m_references = 1;
+  static constexpr int kMaxEmptyReads = 16;
+  int m_emptyReads = 0;
 };
 #pragma GCC diagnostic pop
 
@@ -138,8 +147,9 @@ void FillError(IXmlReader* reader, HRESULT result, CXmlParseError& error) {
     reader->GetLineNumber(&line);
     reader->GetLinePosition(&column);
   }
-  error.line = line;
-  error.column = column;
+  // Before the first character the reader answers 0: that is the start of the text.
+  error.line = line > 0 ? line : 1;
+  error.column = column > 0 ? column : 1;
   error.message = ErrorText(result);
 }
 
@@ -162,18 +172,40 @@ bool ParseXml(const char* data, size_t size, IXmlSink& sink, CXmlParseError& err
   reader->SetProperty(XmlReaderProperty_DtdProcessing, DtdProcessing_Parse);
   // No depth limit of its own, as on Linux: the document is built and walked without recursion.
   reader->SetProperty(XmlReaderProperty_MaxElementDepth, 0);
+  // UTF-16 with the big-endian mark is handed over in the little-endian order, which every reader takes.
+  std::string swapped;
+  if (size >= 2 && static_cast<unsigned char>(data[0]) == 0xFE && static_cast<unsigned char>(data[1]) == 0xFF) {
+    swapped.assign(data, size - size % 2);
+    for (size_t i = 0; i + 1 < swapped.size(); i += 2) std::swap(swapped[i], swapped[i + 1]);
+    data = swapped.data();
+    size = swapped.size();
+  }
   CMemoryStream stream(data, size);
   result = reader->SetInput(&stream);
   std::string name;
   std::string value;
   XmlNodeType type = XmlNodeType_None;
+  // Every node starts further on in the text. A reader that answers node after node at one position (some readers
+  // do so at the end of a text cut short) is stopped there.
+  UINT lastLine = 0;
+  UINT lastColumn = 0;
+  int repeats = 0;
   while (SUCCEEDED(result) && (result = reader->Read(&type)) == S_OK) {
+    UINT line = 0;
+    UINT column = 0;
+    reader->GetLineNumber(&line);
+    reader->GetLinePosition(&column);
+    repeats = line == lastLine && column == lastColumn ? repeats + 1 : 0;
+    lastLine = line;
+    lastColumn = column;
+    if (repeats > kMaxRepeats) {
+      result = static_cast<HRESULT>(MX_E_INPUTEND);
+      break;
+    }
     const WCHAR* text = nullptr;
     UINT length = 0;
     switch (type) {
     case XmlNodeType_Element: {
-      UINT line = 0;
-      reader->GetLineNumber(&line);
       const bool empty = reader->IsEmptyElement() != FALSE;
       reader->GetQualifiedName(&text, &length);
       sink.StartElement(ToUtf8(text, length, name), line);
