@@ -12,9 +12,11 @@ mkdir -p "$(dirname "$prefix")"
 (
   # Parallel test programs wait here for the one that makes the prefix.
   flock 9
-  wineserver -p600 </dev/null >/dev/null 2>&1 || true
+  # The lock's descriptor is closed for Wine's processes: the server stays alive, and with the descriptor it would
+  # hold the lock for as long as it lives, so that every later run waited here.
+  wineserver -p600 </dev/null >/dev/null 2>&1 9>&- || true
   if [ ! -f "$prefix/system.reg" ]; then
-    wineboot -i </dev/null >/dev/null 2>&1 || true
+    wineboot -i </dev/null >/dev/null 2>&1 9>&- || true
   fi
 ) 9>"${prefix}.lock"
 exec wine "$@"
