@@ -37,11 +37,23 @@ std::string WithBackslashes(std::string path) {
   return path;
 }
 
+// A full path: a drive ("C:\\...") or a network share ("\\\\server\\...").
+bool IsAbsolute(const std::string& path) {
+  return (path.size() >= 3 && path[1] == ':' && path[2] == '\\') || path.rfind("\\\\", 0) == 0;
+}
+
+// A module given by its full path finds the modules it depends on in its own folder first (a producer's folder
+// carries its own helper DLLs); a name or a relative path gets the loader's usual search.
+HMODULE LoadFrom(const std::string& path) {
+  return IsAbsolute(path) ? LoadLibraryExA(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH)
+                          : LoadLibraryA(path.c_str());
+}
+
 ModuleHandle OpenAndRecord(const std::string& path) {
   // No message box for a missing drive or an unreadable file: the caller reports the failure itself.
   DWORD previousMode = 0;
   const BOOL modeSet = SetThreadErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX, &previousMode);
-  HMODULE handle = LoadLibraryA(path.c_str());
+  HMODULE handle = LoadFrom(path);
   const DWORD error = handle == nullptr ? GetLastError() : ERROR_SUCCESS;
   if (modeSet) {
     SetThreadErrorMode(previousMode, nullptr);
