@@ -1,6 +1,10 @@
 # Every third-party package is a Debian package installed by scripts/setup.sh.
-find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
+if(WIN32)
+  include(TalvirWindowsDependencies)
+  return()
+endif()
+find_package(PkgConfig REQUIRED)
 find_package(ZLIB REQUIRED)
 find_package(pugixml REQUIRED)
 find_package(nlohmann_json 3 REQUIRED)
