@@ -14,6 +14,7 @@
 #include <wincodec.h>
 #include <zlib.h>
 
+#include <cstddef>
 #include <cstring>
 #include <stdexcept>
 #include <string>
@@ -82,8 +83,9 @@ GUID PixelFormat(const SPicture& picture) {
   return picture.bitDepth == 16 ? GUID_WICPixelFormat16bppGray : GUID_WICPixelFormat8bppGray;
 }
 
-// The samples as the encoder takes them: WIC's 48-bit colour is in R, G, B order, ours is B, G, R.
-std::vector<uint8_t> Samples(const SPicture& picture, UINT& stride) {
+// The samples as the encoder takes them: WIC's 48-bit colour is in R, G, B order, ours is B, G, R; `swap16` turns 16-bit
+// samples into big-endian ones.
+std::vector<uint8_t> Samples(const SPicture& picture, bool swap16, UINT& stride) {
   const size_t bytesPerSample = picture.bitDepth == 16 ? 2 : 1;
   const size_t rowBytes = static_cast<size_t>(picture.width) * static_cast<size_t>(picture.channels) * bytesPerSample;
   std::vector<uint8_t> samples(rowBytes * picture.height);
@@ -96,6 +98,11 @@ std::vector<uint8_t> Samples(const SPicture& picture, UINT& stride) {
       std::swap(samples[pixel + 1], samples[pixel + 5]);
     }
   }
+  if (swap16 && bytesPerSample == 2) {
+    for (size_t sample = 0; sample < samples.size(); sample += 2) {
+      std::swap(samples[sample], samples[sample + 1]);
+    }
+  }
   if (rowBytes > UINT32_MAX / 2 || samples.size() > UINT32_MAX) {
     throw std::runtime_error("the image is too large for the Windows Imaging Component");
   }
@@ -103,7 +110,7 @@ std::vector<uint8_t> Samples(const SPicture& picture, UINT& stride) {
   return samples;
 }
 
-std::vector<uint8_t> Encode(const SPicture& picture, const GUID& container) {
+std::vector<uint8_t> Encode(const SPicture& picture, const GUID& container, bool swap16) {
   CComScope com;
   CComRef<IWICImagingFactory> factory;
   Check(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER, IID_IWICImagingFactory,
@@ -135,7 +142,7 @@ std::vector<uint8_t> Encode(const SPicture& picture, const GUID& container) {
     throw CUnsupportedFormat();
   }
   UINT stride = 0;
-  std::vector<uint8_t> samples = Samples(picture, stride);
+  std::vector<uint8_t> samples = Samples(picture, swap16, stride);
   Check(frame->WritePixels(picture.height, stride, static_cast<UINT>(samples.size()), samples.data()),
         "encoding the pixels");
   Check(frame->Commit(), "finishing the image");
@@ -154,6 +161,54 @@ std::vector<uint8_t> Encode(const SPicture& picture, const GUID& container) {
     throw std::runtime_error("reading the encoded file back from memory came up short");
   }
   return bytes;
+}
+
+uint32_t BigEndian32(const std::vector<uint8_t>& bytes, size_t at) {
+  return static_cast<uint32_t>(bytes[at]) << 24 | static_cast<uint32_t>(bytes[at + 1]) << 16 |
+         static_cast<uint32_t>(bytes[at + 2]) << 8 | bytes[at + 3];
+}
+
+// The first `size` bytes of a PNG file's inflated image data.
+std::vector<uint8_t> ImageData(const std::vector<uint8_t>& png, size_t size) {
+  std::vector<uint8_t> compressed;
+  for (size_t at = 8; at + 12 <= png.size();) {
+    const size_t length = BigEndian32(png, at);
+    if (length > png.size() - at - 12) {
+      break;
+    }
+    if (std::memcmp(&png[at + 4], "IDAT", 4) == 0) {
+      compressed.insert(compressed.end(), png.begin() + static_cast<std::ptrdiff_t>(at + 8),
+                        png.begin() + static_cast<std::ptrdiff_t>(at + 8 + length));
+    }
+    at += 12 + length;
+  }
+  std::vector<uint8_t> data(size);
+  uLongf inflated = static_cast<uLongf>(size);
+  if (compressed.empty() ||
+      uncompress(data.data(), &inflated, compressed.data(), static_cast<uLong>(compressed.size())) != Z_OK ||
+      inflated != size) {
+    throw std::runtime_error("the PNG encoder wrote image data that does not inflate");
+  }
+  return data;
+}
+
+// Whether the PNG encoder copies 16-bit samples in memory order, so that they must be handed over big-endian as PNG
+// stores them, rather than reading them as native numbers. Component versions differ (Wine's copies); one pixel of
+// 0x0201 tells, once: the first pixel of the first row is stored unchanged by every PNG filter.
+bool PngEncoderCopies16BitBytes() {
+  static const bool copies = [] {
+    const uint16_t value = 0x0201;
+    SPicture probe;
+    probe.pixels = reinterpret_cast<const uint8_t*>(&value);
+    probe.width = 1;
+    probe.height = 1;
+    probe.stride = 2;
+    probe.bitDepth = 16;
+    probe.significantBits = 16;
+    const std::vector<uint8_t> row = ImageData(Encode(probe, GUID_ContainerFormatPng, false), 3);
+    return row[1] == 0x01 && row[2] == 0x02;
+  }();
+  return copies;
 }
 
 void PutBigEndian32(std::vector<uint8_t>& bytes, size_t at, uint32_t value) {
@@ -179,7 +234,8 @@ void AddSignificantBits(std::vector<uint8_t>& png, const SPicture& picture) {
 }  // namespace
 
 std::vector<uint8_t> CPictureCodec::EncodePng(const SPicture& picture) {
-  std::vector<uint8_t> png = Encode(picture, GUID_ContainerFormatPng);
+  const bool swap16 = picture.bitDepth == 16 && PngEncoderCopies16BitBytes();
+  std::vector<uint8_t> png = Encode(picture, GUID_ContainerFormatPng, swap16);
   // Grey only: libpng takes the grey figure alone and skips the chunk for colour.
   if (picture.channels == 1 && picture.bitDepth == 16 && picture.significantBits < 16) {
     AddSignificantBits(png, picture);
@@ -189,7 +245,7 @@ std::vector<uint8_t> CPictureCodec::EncodePng(const SPicture& picture) {
 
 std::vector<uint8_t> CPictureCodec::EncodeTiff(const SPicture& picture) {
   try {
-    return Encode(picture, GUID_ContainerFormatTiff);
+    return Encode(picture, GUID_ContainerFormatTiff, false);
   } catch (const CUnsupportedFormat&) {
     // Some versions of the component store no 16-bit grey TIFF (they offer 24-bit colour instead).
     return CTiffWriter::Encode(picture);
