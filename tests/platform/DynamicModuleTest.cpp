@@ -11,9 +11,21 @@ namespace {
 using AnswerFunction = int (*)();
 
 TEST(NativeModuleName, MapsWindowsLibraryNamesToSharedObjects) {
+#ifdef _WIN32
+  GTEST_SKIP() << "Windows module names are native names on Windows";
+#endif
   EXPECT_EQ(NativeModuleName("ImvexImgConvert.dll"), "libImvexImgConvert.so");
   EXPECT_EQ(NativeModuleName("VendraLib.DLL"), "libVendraLib.so");
   EXPECT_EQ(NativeModuleName("drivers/TavCLProtocolGenCP.dll"), "drivers/libTavCLProtocolGenCP.so");
+}
+
+TEST(NativeModuleName, KeepsEveryNameOnWindows) {
+#ifndef _WIN32
+  GTEST_SKIP() << "names are mapped to shared objects on Linux";
+#else
+  EXPECT_EQ(NativeModuleName("ImvexImgConvert.dll"), "ImvexImgConvert.dll");
+  EXPECT_EQ(NativeModuleName("drivers\\TavCLProtocolGenCP.dll"), "drivers\\TavCLProtocolGenCP.dll");
+#endif
 }
 
 TEST(NativeModuleName, LeavesProducersAndOtherNamesAlone) {
@@ -33,16 +45,36 @@ TEST(LoadModule, FindsABareNameInOurOwnFolderFirst) {
 }
 
 TEST(LoadModule, LoadsByFullPath) {
-  const std::string path = OwnModuleDirectory() + "libtalvir_test_module.so";
+  const std::string path = OwnModuleDirectory() + NativeModuleName("talvir_test_module.dll");
   CDynamicModule module(path);
   ASSERT_TRUE(module.IsLoaded()) << LastModuleError();
   EXPECT_NE(module.Symbol<AnswerFunction>("TalvirTestModuleAnswer"), nullptr);
 }
 
+TEST(LoadModule, AcceptsForwardSlashesInAWindowsPath) {
+#ifndef _WIN32
+  GTEST_SKIP() << "only Windows paths have two separators";
+#else
+  std::string path = OwnModuleDirectory() + "talvir_test_module.dll";
+  for (char& c : path) {
+    c = c == '\\' ? '/' : c;
+  }
+  CDynamicModule module(path);
+  ASSERT_TRUE(module.IsLoaded()) << LastModuleError();
+  EXPECT_NE(module.Symbol<AnswerFunction>("TalvirTestModuleAnswer"), nullptr);
+#endif
+}
+
 TEST(LoadModule, FallsBackToTheSystemLoaderForBareNames) {
+#ifdef _WIN32
+  CDynamicModule module("kernel32.dll");
+  ASSERT_TRUE(module.IsLoaded()) << LastModuleError();
+  EXPECT_NE(module.Symbol<void*>("GetTickCount64"), nullptr);
+#else
   CDynamicModule module("libm.so.6");
   ASSERT_TRUE(module.IsLoaded()) << LastModuleError();
   EXPECT_NE(module.Symbol<void*>("cos"), nullptr);
+#endif
 }
 
 TEST(LoadModule, MissingModuleGivesNullAndAReason) {
@@ -63,6 +95,21 @@ TEST(FindSymbol, UnknownSymbolAndNullHandleGiveNull) {
   EXPECT_EQ(FindSymbol(nullptr, "TalvirTestModuleAnswer"), nullptr);
   EXPECT_EQ(FindSymbol(module.Handle(), nullptr), nullptr);
   FreeModule(nullptr);  // must be harmless
+}
+
+TEST(FindLoadedModule, FindsALoadedModuleAndTakesAReference) {
+  CDynamicModule module("talvir_test_module.dll");
+  ASSERT_TRUE(module.IsLoaded()) << LastModuleError();
+  const ModuleHandle found = FindLoadedModule(NativeModuleName("talvir_test_module.dll"));
+  ASSERT_NE(found, nullptr);
+  EXPECT_EQ(found, module.Handle());
+  // Giving back the reference FindLoadedModule took leaves the module loaded for its owner.
+  FreeModule(found);
+  const auto answer = module.Symbol<AnswerFunction>("TalvirTestModuleAnswer");
+  ASSERT_NE(answer, nullptr);
+  EXPECT_EQ(answer(), 42);
+  EXPECT_EQ(FindLoadedModule(""), nullptr);
+  EXPECT_EQ(FindLoadedModule(NativeModuleName("never_loaded_module.dll")), nullptr);
 }
 
 TEST(CDynamicModule, MoveTransfersOwnership) {

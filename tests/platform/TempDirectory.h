@@ -2,17 +2,28 @@
 // A fresh folder under the system's temporary folder, removed with everything in it at the end of the test.
 #include <filesystem>
 #include <fstream>
+#include <random>
+#include <stdexcept>
 #include <string>
-
-#include <stdlib.h>
 
 namespace TALVIR::Testing {
 
 class CTempDirectory {
 public:
   CTempDirectory() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "talvir-test-XXXXXX").string();
-    m_path = mkdtemp(pattern.data());
+    // A random name, created only if it does not exist yet: two tests (or two test programs) never share a folder.
+    std::random_device seed;
+    std::mt19937_64 random(seed());
+    const std::filesystem::path base = std::filesystem::temp_directory_path();
+    for (int attempt = 0; attempt < 100; ++attempt) {
+      const std::filesystem::path candidate = base / ("talvir-test-" + std::to_string(random() % 1000000000000ULL));
+      std::error_code error;
+      if (std::filesystem::create_directory(candidate, error) && !error) {
+        m_path = candidate;
+        return;
+      }
+    }
+    throw std::runtime_error("cannot create a temporary folder in " + base.string());
   }
   ~CTempDirectory() {
     std::error_code ignored;
