@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "xml/XmlDocument.h"
+#include "xml/XmlElement.h"
 
 namespace TALVIR::Tools {
 namespace {

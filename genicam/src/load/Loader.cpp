@@ -30,6 +30,7 @@
 #include "nodes/StringReg.h"
 #include "nodes/SwissKnife.h"
 #include "xml/XmlDocument.h"
+#include "xml/XmlElement.h"
 
 namespace GenApi {
 namespace Engine {

@@ -5,13 +5,14 @@
 // numeric entities and CDATA sections, skip comments, processing instructions and the document type declaration.
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 
 namespace GenICam {
 namespace Platform {
 
-// Receives the document. Every string is UTF-8 and valid only during the call.
+// Receives the document. Every string is UTF-8 and valid only during the call (see KeepStorage).
 class IXmlSink {
 public:
   // line: 1-based line of the element's start tag.
@@ -22,6 +23,10 @@ public:
   // the content of a CDATA section (always reported). Runs separated by markup arrive as separate calls.
   virtual void Text(std::string_view text) = 0;
   virtual void EndElement() = 0;
+  // Called before anything else by a parser whose strings lie in size bytes at text (less than 2 GiB) that stay
+  // valid while `storage` lives: the sink may keep them there instead of copying them, holding on to `storage`.
+  // Strings outside that range are valid only during the call, as without this call.
+  virtual void KeepStorage(std::shared_ptr<const void> storage, const char* text, size_t size) = 0;
 
 protected:
   ~IXmlSink() = default;

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cstring>
+#include <memory>
 
 #include <pugixml.hpp>
 
@@ -107,6 +108,24 @@ std::string ToUtf8(const unsigned char* data, size_t size, EEncoding encoding) {
   return out;
 }
 
+// '\n' bytes in [at, end), eight at a time: a byte of the word XOR "\n\n..." is zero exactly where a '\n' was, and
+// ((x & 0x7F..) + 0x7F..) | x has the top bit of each byte set exactly where x's byte is not zero.
+uint32_t CountLineEnds(const char* at, const char* end) {
+  constexpr uint64_t kOnes = 0x0101010101010101ull;
+  constexpr uint64_t kLow7 = 0x7F7F7F7F7F7F7F7Full;
+  constexpr uint64_t kHigh = 0x8080808080808080ull;
+  uint32_t count = 0;
+  for (; end - at >= 8; at += 8) {
+    uint64_t word = 0;
+    std::memcpy(&word, at, 8);
+    const uint64_t x = word ^ (kOnes * '\n');
+    const uint64_t nonZero = ((x & kLow7) + kLow7) | x;
+    count += static_cast<uint32_t>(__builtin_popcountll(~nonZero & kHigh));
+  }
+  for (; at < end; ++at) count += *at == '\n' ? 1u : 0u;
+  return count;
+}
+
 // Counts lines forward through the text: element offsets arrive in increasing order.
 class CLineCounter {
 public:
@@ -117,14 +136,7 @@ public:
       m_offset = 0;
       m_line = 1;
     }
-    const char* at = m_text.data() + m_offset;
-    const char* const end = m_text.data() + offset;
-    while (at < end) {
-      const void* found = std::memchr(at, '\n', static_cast<size_t>(end - at));
-      if (found == nullptr) break;
-      ++m_line;
-      at = static_cast<const char*>(found) + 1;
-    }
+    m_line += CountLineEnds(m_text.data() + m_offset, m_text.data() + offset);
     m_offset = offset;
     return m_line;
   }
@@ -135,18 +147,29 @@ private:
   uint32_t m_line = 1;
 };
 
+// Element names lie in the parser's copy of the text, at the offset the parser reports for the element, so the
+// offset of each is found from the first one's without asking the parser again.
 void WalkDocument(const pugi::xml_document& document, std::string_view text, IXmlSink& sink) {
   CLineCounter lines(text);
+  const char* base = nullptr;
   pugi::xml_node node = document.first_child();
   while (node) {
     bool descend = false;
     switch (node.type()) {
     case pugi::node_element: {
-      const ptrdiff_t offset = node.offset_debug();
-      sink.StartElement(node.name(), lines.LineAt(offset < 0 ? 0 : static_cast<size_t>(offset)));
+      const char* name = node.name();
+      if (base == nullptr) {
+        const ptrdiff_t offset = node.offset_debug();
+        if (offset >= 0) base = name - offset;
+      }
+      const size_t offset = base != nullptr && name >= base ? static_cast<size_t>(name - base) : 0;
+      sink.StartElement(name, lines.LineAt(offset));
       for (pugi::xml_attribute attribute = node.first_attribute(); attribute; attribute = attribute.next_attribute()) {
         sink.Attribute(attribute.name(), attribute.value());
       }
+      // Character data that comes first in the element is held as the element's value (parse_embed_pcdata).
+      const char* embedded = node.value();
+      if (*embedded != '\0') sink.Text(embedded);
       descend = static_cast<bool>(node.first_child());
       if (!descend) sink.EndElement();
       break;
@@ -182,9 +205,13 @@ bool ParseXml(const char* data, size_t size, IXmlSink& sink, CXmlParseError& err
   }
   // Line ends are kept as written (no parse_eol), attribute values as well (no whitespace conversion): values reach
   // the node map exactly as the description has them.
-  pugi::xml_document document;
+  auto owned = std::make_shared<pugi::xml_document>();
+  pugi::xml_document& document = *owned;
+  // Character data that comes first in an element is kept in the element itself rather than in a node of its own,
+  // which spares most of the nodes of a description.
   const pugi::xml_parse_result parsed =
-      document.load_buffer(text.data(), text.size(), pugi::parse_cdata | pugi::parse_escapes, pugi::encoding_utf8);
+      document.load_buffer(text.data(), text.size(), pugi::parse_cdata | pugi::parse_escapes | pugi::parse_embed_pcdata,
+                           pugi::encoding_utf8);
   if (!parsed) {
     const size_t offset = parsed.offset > 0 ? std::min(static_cast<size_t>(parsed.offset), text.size()) : 0;
     error.line = 1 + static_cast<size_t>(std::count(text.begin(), text.begin() + offset, '\n'));
@@ -192,6 +219,13 @@ bool ParseXml(const char* data, size_t size, IXmlSink& sink, CXmlParseError& err
     error.column = offset - (lineStart == std::string_view::npos ? 0 : lineStart + 1) + 1;
     error.message = parsed.description();
     return false;
+  }
+  // The parser decodes the text in place, in its own copy, which the document keeps: the sink may point into it.
+  // That copy starts the first element's offset before its name, and is as long as the text.
+  const pugi::xml_node first = document.document_element();
+  const ptrdiff_t offset = first ? first.offset_debug() : -1;
+  if (offset >= 0 && text.size() < 0x80000000u) {
+    sink.KeepStorage(owned, first.name() - offset, text.size());
   }
   WalkDocument(document, text, sink);
   return true;

@@ -2,7 +2,8 @@
 #include "xml/XmlDocument.h"
 
 #include <algorithm>
-#include <cstring>
+
+#include "xml/XmlElement.h"
 
 namespace GenApi {
 namespace Engine {
@@ -13,15 +14,21 @@ class CXmlDocument::CBuilder final : public GenICam::Platform::IXmlSink {
 public:
   explicit CBuilder(CXmlDocument& document) : m_document(document) { m_open.push_back({kNoXmlElement, kNoXmlElement}); }
 
+  void KeepStorage(std::shared_ptr<const void> storage, const char* text, size_t size) override {
+    m_document.m_parserStorage = std::move(storage);
+    m_document.m_parserText = text;
+    m_document.m_parserSize = size;
+  }
+
   void StartElement(std::string_view name, uint32_t line) override {
     auto& elements = m_document.m_elements;
-    if (elements.size() >= kNoXmlElement - 1) {
+    if (m_tooLarge || elements.size() >= kNoXmlElement - 1) {
       m_tooLarge = true;
       return;
     }
     const auto index = static_cast<uint32_t>(elements.size());
     CXmlElementRecord record;
-    record.name = m_document.Store(name);
+    m_tooLarge = !m_document.Store(name, record.name);
     record.firstAttribute = static_cast<uint32_t>(m_document.m_attributes.size());
     record.line = line;
     elements.push_back(record);
@@ -40,7 +47,9 @@ public:
   void Attribute(std::string_view name, std::string_view value) override {
     const uint32_t element = m_open.back().element;
     if (element == kNoXmlElement || m_tooLarge) return;
-    m_document.m_attributes.push_back({m_document.Store(name), m_document.Store(value)});
+    CXmlAttributeRecord attribute;
+    m_tooLarge = !m_document.Store(name, attribute.name) || !m_document.Store(value, attribute.value);
+    m_document.m_attributes.push_back(attribute);
     ++m_document.m_elements[element].attributeCount;
   }
 
@@ -48,7 +57,7 @@ public:
     COpen& open = m_open.back();
     if (open.element == kNoXmlElement || open.hasText || m_tooLarge) return;
     open.hasText = true;
-    m_document.m_elements[open.element].text = m_document.Store(text);
+    m_tooLarge = !m_document.Store(text, m_document.m_elements[open.element].text);
   }
 
   void EndElement() override {
@@ -71,17 +80,16 @@ private:
 
 bool CXmlDocument::Load(const char* data, size_t size) {
   Clear();
-  // Decoded UTF-8 text is never longer than the UTF-8 input, so one block usually holds every string.
-  m_blockSize = std::max<size_t>(size + 64, 4096);
-  // About one element per 45 bytes and one attribute per 200 in the sample descriptions.
-  m_elements.reserve(size / 40 + 16);
+  // The densest sample descriptions have one element per 35 bytes and one attribute per 150 (pages reserved but not
+  // written cost nothing).
+  m_elements.reserve(size / 32 + 16);
   m_attributes.reserve(size / 128 + 16);
   CBuilder builder(*this);
   if (data == nullptr) size = 0;
   const char* text = data != nullptr ? data : "";
   bool parsed = GenICam::Platform::ParseXml(text, size, builder, m_error);
   if (parsed && builder.TooLarge()) {
-    m_error = {0, 0, "too many elements"};
+    m_error = {0, 0, "document too large"};
     parsed = false;
   }
   if (parsed && m_root == kNoXmlElement) {
@@ -96,35 +104,32 @@ bool CXmlDocument::Load(const char* data, size_t size) {
   return parsed;
 }
 
-CXmlElement CXmlDocument::Root() const {
-  if (m_root == kNoXmlElement) return CXmlElement();
-  return CXmlElement(m_elements.data(), m_attributes.data(), m_root);
-}
-
 void CXmlDocument::Clear() {
   m_elements.clear();
   m_attributes.clear();
-  m_blocks.clear();
-  m_free = nullptr;
-  m_left = 0;
+  m_copy.clear();
+  m_parserStorage.reset();
+  m_parserText = nullptr;
+  m_parserSize = 0;
   m_root = kNoXmlElement;
   m_error = GenICam::Platform::CXmlParseError();
 }
 
-std::string_view CXmlDocument::Store(std::string_view text) {
-  if (text.empty()) return std::string_view();
-  if (text.size() > m_left) {
-    const size_t size = std::max(text.size(), m_blockSize);
-    m_blocks.push_back(std::unique_ptr<char[]>(new char[size]));
-    m_free = m_blocks.back().get();
-    m_left = size;
-    m_blockSize = std::max<size_t>(m_blockSize / 4, 65536);
+bool CXmlDocument::Store(std::string_view text, CXmlString& stored) {
+  stored = CXmlString();
+  if (text.empty()) return true;
+  if (text.size() >= kOwnCopy) return false;
+  stored.length = static_cast<uint32_t>(text.size());
+  // Inside the parser's kept text: its offset there (the text is shorter than 2 GiB, see IXmlSink::KeepStorage).
+  if (m_parserText != nullptr && text.data() >= m_parserText && text.size() <= m_parserSize &&
+      static_cast<size_t>(text.data() - m_parserText) <= m_parserSize - text.size()) {
+    stored.offset = static_cast<uint32_t>(text.data() - m_parserText);
+    return true;
   }
-  std::memcpy(m_free, text.data(), text.size());
-  const std::string_view stored(m_free, text.size());
-  m_free += text.size();
-  m_left -= text.size();
-  return stored;
+  if (m_copy.size() + text.size() >= kOwnCopy) return false;
+  stored.offset = kOwnCopy | static_cast<uint32_t>(m_copy.size());
+  m_copy.append(text.data(), text.size());
+  return true;
 }
 
 }  // namespace Engine

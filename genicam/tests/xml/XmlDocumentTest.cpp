@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "xml/XmlDocument.h"
+#include "xml/XmlElement.h"
 
 using GenApi::Engine::CXmlDocument;
 using GenApi::Engine::CXmlElement;
@@ -98,8 +99,9 @@ TEST_F(XmlDocument, AttributesByNamePresentEmptyOrAbsent) {
   EXPECT_EQ(root.Attribute("xsi:type"), "t");
   EXPECT_EQ(root.Attribute("Esc"), "a<b&\"A");
   ASSERT_EQ(root.AttributeCount(), 5u);
-  EXPECT_EQ(root.AttributeAt(0).name, "Name");
-  EXPECT_EQ(root.AttributeAt(4).name, "Esc");
+  EXPECT_EQ(root.AttributeName(0), "Name");
+  EXPECT_EQ(root.AttributeValue(0), "  Gain ");
+  EXPECT_EQ(root.AttributeName(4), "Esc");
 }
 
 TEST_F(XmlDocument, TextDecodesEntitiesAndKeepsSpaces) {
