@@ -179,6 +179,21 @@ TEST_F(XmlDocument, Utf16WithByteOrderMarkInBothByteOrders) {
   }
 }
 
+#if !defined(_WIN32)
+// The Linux parser also reads UTF-32 with a byte-order mark and texts declared as Latin-1, with their lines.
+TEST_F(XmlDocument, Utf32AndLatin1OnLinux) {
+  std::string utf32("\xFF\xFE\x00\x00", 4);
+  for (const char c : std::string("<r>\n<a u='x'>t</a></r>")) utf32 += std::string(1, c) + std::string(3, '\0');
+  const CXmlElement root = Load(utf32);
+  EXPECT_EQ(root.Child("a").Attribute("u"), "x");
+  EXPECT_EQ(root.Child("a").Text(), "t");
+  EXPECT_EQ(root.Child("a").Line(), 2u);
+  const CXmlElement latin = Load("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>\n<r>\xB5\xE9\n<b/></r>");
+  EXPECT_EQ(latin.Text(), "\xC2\xB5\xC3\xA9\n");
+  EXPECT_EQ(latin.Child("b").Line(), 3u);
+}
+#endif
+
 TEST_F(XmlDocument, Utf16ErrorNamesTheLine) {
   const std::string text = Utf16("<?xml version=\"1.0\" encoding=\"UTF-16\"?>\n<r>\n<a>\n</b>\n</r>", false);
   EXPECT_EQ(FailingLine(text), 4u);
