@@ -81,7 +81,9 @@ std::string MinizipWrite(const fs::path& folder, const std::string& name, const 
 class ZipOracle : public testing::Test {
 protected:
   void SetUp() override {
-    m_folder = fs::path(testing::TempDir()) / ("zip_oracle_" + std::to_string(std::rand()));
+    // One folder per test: ctest runs the tests of this program in parallel processes.
+    m_folder = fs::path(testing::TempDir()) /
+               (std::string("zip_oracle_") + testing::UnitTest::GetInstance()->current_test_info()->name());
     fs::create_directories(m_folder);
   }
   void TearDown() override {
