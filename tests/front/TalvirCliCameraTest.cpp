@@ -232,7 +232,7 @@ TEST(TalvirCliGigE, GrabPrintsTheGigETransferFigures) {
 
 TEST(TalvirCliGigE, WatchReportsADeviceThatGoesAway) {
   const SResult result =
-      RunLine({"watch", "--serial", "GEV00002", "--seconds", "1.5", "--set", "SimLoseAfterFrames=10"});
+      RunLine({"watch", "--serial", "GEV00002", "--losses", "1", "--seconds", "120", "--set", "SimLoseAfterFrames=10"});
   ASSERT_EQ(result.status, 0) << result.errors;
   EXPECT_NE(result.out.find("watching GEV00002"), std::string::npos) << result.out;
   EXPECT_NE(result.out.find("GEV00002 went away (device lost, notification 1001) after 10 frames"), std::string::npos)

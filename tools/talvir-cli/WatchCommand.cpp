@@ -63,6 +63,7 @@ CLI::App* CWatchCommand::Register(CLI::App& app) {
       "watch", "Keep a camera grabbing and print a line when it goes away (device lost) or comes back");
   m_camera.AddTo(*command, false);
   command->add_option("--seconds", m_seconds, "How long to watch (0: until interrupted)")->check(CLI::Range(0.0, 1e9));
+  command->add_option("--losses", m_maxLosses, "Stop after this many losses (0: no limit)");
   command->add_option("--set", m_settings, "Set a camera feature before grabbing (Feature=Value; repeatable)");
   return command;
 }
@@ -84,6 +85,8 @@ int CWatchCommand::Run(const SCommandContext& context) {
   const auto finished = [&] {
     return m_seconds > 0 && Clock::now() - start >= std::chrono::duration<double>(m_seconds);
   };
+  uint64_t losses = 0;
+  const auto enoughLosses = [&] { return m_maxLosses > 0 && losses >= m_maxLosses; };
   const std::string serial = camera.GetCameraInfo()->GetSerialNumber();
   if (camera.StartGrabbing(TALVIR::GrabMode::Newest, 0) != TALVIR::Status::Ok) {
     camera.SetHandler(nullptr);
@@ -92,8 +95,7 @@ int CWatchCommand::Run(const SCommandContext& context) {
   context.out << Elapsed(start) << "  watching " << serial << '\n' << std::flush;
   bool present = true;
   uint64_t frames = 0;
-  uint64_t losses = 0;
-  while (!finished()) {
+  while (!finished() && !enoughLosses()) {
     if (present) {
       TALVIR::IImage* image = nullptr;
       if (camera.GetImage(&image, 200) == TALVIR::Status::Ok) {
@@ -111,7 +113,7 @@ int CWatchCommand::Run(const SCommandContext& context) {
                     << std::flush;
         camera.Close();
       }
-    } else {
+    } else if (!enoughLosses()) {
       signal.Wait(std::chrono::seconds(1));
       signal.TakeLoss();
       if (camera.Open(TALVIR::AccessMode::Control) == TALVIR::Status::Ok &&

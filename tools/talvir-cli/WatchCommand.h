@@ -4,6 +4,7 @@
 #include "CameraOptions.h"
 #include "Command.h"
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,7 @@ public:
 private:
   SCameraOptions m_camera;
   double m_seconds = 0;
+  uint64_t m_maxLosses = 0;
   std::vector<std::string> m_settings;
 };
 
