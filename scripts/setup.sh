@@ -18,6 +18,8 @@ packages=(
   libcli11-dev libtiff-dev dpkg-dev
   # tests and benchmarks
   libgtest-dev libgmock-dev libbenchmark-dev
+  # a second ZIP writer for the ZIP reader's oracle test
+  zip
   # node-map oracle for the differential tests (its pkg-config file needs libusb's)
   libaravis-dev libusb-1.0-0-dev
   # formatting check (scripts/check-format.sh)
