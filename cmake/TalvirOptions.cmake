@@ -16,10 +16,24 @@ elseif(NOT TALVIR_SANITIZER STREQUAL "")
 endif()
 
 # Warnings as errors for our own code only; third-party headers come in as SYSTEM includes.
-set(TALVIR_WARNINGS -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wcast-align -Woverloaded-virtual
-    -Wnull-dereference -Wformat=2 -Wimplicit-fallthrough -Werror)
+if(MSVC)
+  # A native Windows build with Microsoft's compiler (not built by CI: see the README).
+  set(TALVIR_WARNINGS /W4 /WX /permissive- /utf-8)
+  set(TALVIR_C_WARNINGS /W4 /WX)
+else()
+  set(TALVIR_WARNINGS -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wcast-align -Woverloaded-virtual
+      -Wnull-dereference -Wformat=2 -Wimplicit-fallthrough -Werror)
+  set(TALVIR_C_WARNINGS -Wall -Wextra -Werror)
+endif()
+
+# Modules must resolve every symbol when they are linked, not when a consumer loads them.
+if(MSVC)
+  set(TALVIR_NO_UNDEFINED "")
+else()
+  set(TALVIR_NO_UNDEFINED -Wl,--no-undefined)
+endif()
 
 function(talvir_warnings target)
   target_compile_options(${target} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:${TALVIR_WARNINGS}>
-                                           $<$<COMPILE_LANGUAGE:C>:-Wall -Wextra -Werror>)
+                                           $<$<COMPILE_LANGUAGE:C>:${TALVIR_C_WARNINGS}>)
 endfunction()

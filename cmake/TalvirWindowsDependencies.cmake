@@ -1,7 +1,22 @@
-# Third-party code for the Windows build. Debian ships zlib for the MinGW target; the header-only libraries are the
-# host's own headers, staged alone so that no other host header can leak into the target build; GoogleTest is built
-# from the sources Debian installs. XML, INI, serial ports and pictures use Windows components instead (XmlLite,
-# GetPrivateProfileStringA, SetupAPI, WIC), and the benchmarks are left out.
+# Third-party code for the Windows build. XML, INI, serial ports and pictures use Windows components (XmlLite,
+# GetPrivateProfileStringA, SetupAPI, WIC); the benchmarks are left out.
+# - Cross build from Debian (MinGW-w64): Debian ships zlib for the target; the header-only libraries are the host's
+#   own headers, staged alone so that no other host header can leak into the target build; GoogleTest is built from
+#   the sources Debian installs.
+# - Native build (Microsoft's compiler, or MinGW on Windows): zlib, nlohmann-json, CLI11 and GoogleTest come from a
+#   package manager's CMake packages (vcpkg: zlib nlohmann-json cli11 gtest, with its toolchain file).
+set(TALVIR_BUILD_BENCHMARKS OFF CACHE BOOL "Build the benchmarks" FORCE)
+if(NOT CMAKE_CROSSCOMPILING)
+  find_package(ZLIB REQUIRED)
+  find_package(nlohmann_json 3 REQUIRED)
+  find_package(CLI11 REQUIRED)
+  if(TALVIR_BUILD_TESTS)
+    find_package(GTest REQUIRED)
+    include(GoogleTest)
+  endif()
+  return()
+endif()
+
 set(ZLIB_USE_STATIC_LIBS ON)
 find_package(ZLIB REQUIRED)
 
@@ -39,4 +54,3 @@ if(TALVIR_BUILD_TESTS)
   # GoogleTest's own build defines the GTest:: aliases.
   include(GoogleTest)
 endif()
-set(TALVIR_BUILD_BENCHMARKS OFF CACHE BOOL "Build the benchmarks" FORCE)
