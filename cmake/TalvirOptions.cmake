@@ -2,6 +2,11 @@
 option(TALVIR_BUILD_TESTS "Build the tests" ON)
 option(TALVIR_BUILD_BENCHMARKS "Build the benchmarks" ON)
 option(TALVIR_BUILD_FUZZERS "Build the libFuzzer targets (needs clang)" OFF)
+if(CMAKE_CROSSCOMPILING_EMULATOR)
+  option(TALVIR_TEST_PROGRAMS_WHOLE "Register each test program as one ctest test instead of one per test" ON)
+else()
+  option(TALVIR_TEST_PROGRAMS_WHOLE "Register each test program as one ctest test instead of one per test" OFF)
+endif()
 set(TALVIR_SANITIZER "" CACHE STRING "Sanitizer build: empty, address (ASan + UBSan) or thread (TSan)")
 set_property(CACHE TALVIR_SANITIZER PROPERTY STRINGS "" address thread)
 

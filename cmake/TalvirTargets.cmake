@@ -4,6 +4,9 @@
 #     a GoogleTest program, its tests registered one by one with ctest under the given labels.
 #     DEPENDS names targets the tests load at run time (producers, test doubles) so they are built first.
 #     A program named in TALVIR_THREADED_TESTS gets its label with "-threads" appended and joins threaded_tests.
+#     With TALVIR_TEST_PROGRAMS_WHOLE (the default when an emulator runs the programs: Wine), each program is one ctest
+#     test that runs all its tests in one process: starting the emulator costs more than most tests, and listing the
+#     tests at build time would start it once more per program.
 #   talvir_add_bench(NAME n SOURCES a.cpp ... [LIBS l ...])
 #     a Google Benchmark program; built by default, never run by ctest.
 function(talvir_add_test)
@@ -27,8 +30,13 @@ function(talvir_add_test)
   if(T_DEPENDS)
     add_dependencies(${T_NAME} ${T_DEPENDS})
   endif()
-  gtest_discover_tests(${T_NAME} PROPERTIES LABELS "${T_LABELS}" DISCOVERY_TIMEOUT 60
-                       WORKING_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
+  if(TALVIR_TEST_PROGRAMS_WHOLE)
+    add_test(NAME ${T_NAME} COMMAND ${T_NAME} WORKING_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
+    set_tests_properties(${T_NAME} PROPERTIES LABELS "${T_LABELS}")
+  else()
+    gtest_discover_tests(${T_NAME} PROPERTIES LABELS "${T_LABELS}" DISCOVERY_TIMEOUT 60
+                         WORKING_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
+  endif()
 endfunction()
 
 function(talvir_add_bench)
