@@ -1,7 +1,7 @@
 #pragma once
 // A camera of a simulated producer, made the way the library makes it (manager, discovery, registry), with the
 // simulator's configuration chosen by the test and helpers to look at the stream's buffer accounting.
-#include "../platform/TempDirectory.h"
+#include "support/TempDirectory.h"
 
 #include "camera/Camera.h"
 #include "camera/CameraRegistry.h"

@@ -1,7 +1,7 @@
 #pragma once
 // A temporary folder that plays "beside the library" for a manager under test: links to builds of the fake
 // producer under any file name, other files, and the discovery configuration.
-#include "../platform/TempDirectory.h"
+#include "support/TempDirectory.h"
 
 #include "FakeProducerModule.h"
 

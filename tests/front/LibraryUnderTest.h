@@ -4,7 +4,7 @@
 // already loaded file by its identity, and a library that cannot be unloaded (it holds unique symbols) would
 // otherwise be handed back with its first folder. The exported functions are reached by their mangled names, as
 // an application's loader would.
-#include "../platform/TempDirectory.h"
+#include "support/TempDirectory.h"
 
 #include "platform/DynamicModule.h"
 

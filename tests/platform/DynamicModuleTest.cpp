@@ -1,6 +1,8 @@
 #include "platform/DynamicModule.h"
 #include "platform/SelfPath.h"
 
+#include "support/TestSystem.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -10,10 +12,16 @@ namespace {
 
 using AnswerFunction = int (*)();
 
-TEST(NativeModuleName, MapsWindowsLibraryNamesToSharedObjects) {
-  EXPECT_EQ(NativeModuleName("ImvexImgConvert.dll"), "libImvexImgConvert.so");
-  EXPECT_EQ(NativeModuleName("VendraLib.DLL"), "libVendraLib.so");
-  EXPECT_EQ(NativeModuleName("drivers/TavCLProtocolGenCP.dll"), "drivers/libTavCLProtocolGenCP.so");
+TEST(NativeModuleName, MapsWindowsLibraryNamesToThisPlatformsFiles) {
+  if (Testing::kWindows) {
+    EXPECT_EQ(NativeModuleName("ImvexImgConvert.dll"), "ImvexImgConvert.dll");
+    EXPECT_EQ(NativeModuleName("VendraLib.DLL"), "VendraLib.DLL");
+    EXPECT_EQ(NativeModuleName("drivers/TavCLProtocolGenCP.dll"), "drivers/TavCLProtocolGenCP.dll");
+  } else {
+    EXPECT_EQ(NativeModuleName("ImvexImgConvert.dll"), "libImvexImgConvert.so");
+    EXPECT_EQ(NativeModuleName("VendraLib.DLL"), "libVendraLib.so");
+    EXPECT_EQ(NativeModuleName("drivers/TavCLProtocolGenCP.dll"), "drivers/libTavCLProtocolGenCP.so");
+  }
 }
 
 TEST(NativeModuleName, LeavesProducersAndOtherNamesAlone) {
@@ -33,14 +41,15 @@ TEST(LoadModule, FindsABareNameInOurOwnFolderFirst) {
 }
 
 TEST(LoadModule, LoadsByFullPath) {
-  const std::string path = OwnModuleDirectory() + "libtalvir_test_module.so";
+  const std::string path = OwnModuleDirectory() + Testing::ModuleFileName("talvir_test_module");
   CDynamicModule module(path);
   ASSERT_TRUE(module.IsLoaded()) << LastModuleError();
   EXPECT_NE(module.Symbol<AnswerFunction>("TalvirTestModuleAnswer"), nullptr);
 }
 
 TEST(LoadModule, FallsBackToTheSystemLoaderForBareNames) {
-  CDynamicModule module("libm.so.6");
+  // A library of the system, which is not in the folder of this program; both export the C library's cos.
+  CDynamicModule module(Testing::kWindows ? "msvcrt.dll" : "libm.so.6");
   ASSERT_TRUE(module.IsLoaded()) << LastModuleError();
   EXPECT_NE(module.Symbol<void*>("cos"), nullptr);
 }

@@ -1,19 +1,19 @@
 #include "platform/SelfPath.h"
 
+#include "support/TestSystem.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <unistd.h>
 
 namespace TALVIR::Platform {
 namespace {
 
 TEST(SelfPath, IsThisProgramWhenLinkedStatically) {
   // The platform layer is linked into this test program, so "our own module" is the program itself.
-  char exe[4096] = {};
-  const ssize_t length = readlink("/proc/self/exe", exe, sizeof exe - 1);
-  ASSERT_GT(length, 0);
-  EXPECT_EQ(std::filesystem::canonical(OwnModulePath()), std::filesystem::canonical(exe));
+  const std::filesystem::path program = Testing::ThisProgramPath();
+  ASSERT_FALSE(program.empty());
+  EXPECT_EQ(std::filesystem::canonical(OwnModulePath()), std::filesystem::canonical(program));
 }
 
 TEST(SelfPath, DirectoryKeepsItsTrailingSeparator) {
