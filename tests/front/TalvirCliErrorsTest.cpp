@@ -2,6 +2,8 @@
 // standard error that starts with "talvir-cli: " and says what and why, and nothing on standard output.
 #include "CliApp.h"
 
+#include "support/TestSystem.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -58,8 +60,9 @@ TEST(TalvirCliErrors, ProducerThatFailsToLoad) {
   ExpectOneLine(RunLine({"features", "--producer", "TalvirSimNoQueue.cti"}), 1,
                 "no camera found: producer TalvirSimNoQueue.cti failed: it is not a GenTL producer");
   // A shared library that is no producer, and a file that cannot be loaded at all (a program).
-  ExpectOneLine(RunLine({"discover", "--producer", "libgenicam.so"}), 1,
-                "producer libgenicam.so failed: it is not a GenTL producer: it lacks the function GCInitLib");
+  const std::string genicam = TALVIR::Testing::ModuleFileName("genicam");
+  ExpectOneLine(RunLine({"discover", "--producer", genicam}), 1,
+                "producer " + genicam + " failed: it is not a GenTL producer: it lacks the function GCInitLib");
   ExpectOneLine(RunLine({"get", "Width", "--producer", "talvir-cli"}), 1,
                 "no camera found: producer talvir-cli failed: it cannot be loaded (");
   ExpectOneLine(RunLine({"grab", "--producer", "NotThere.cti"}), 1,

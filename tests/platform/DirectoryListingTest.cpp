@@ -1,6 +1,7 @@
 #include "platform/DirectoryListing.h"
 
 #include "support/TempDirectory.h"
+#include "support/Skips.h"
 #include "support/TestSystem.h"
 
 #include <gtest/gtest.h>
@@ -40,9 +41,7 @@ TEST(ListFilesWithExtension, AcceptsATrailingSeparator) {
 }
 
 TEST(ListFilesWithExtension, LinksToFilesCountButLinksToFoldersDoNot) {
-  if (!Testing::CanMakeSymbolicLinks()) {
-    GTEST_SKIP() << "this system does not let the test make symbolic links";
-  }
+  TALVIR_SKIP_WITHOUT_SYMBOLIC_LINKS();
   Testing::CTempDirectory folder;
   const auto target = folder.WriteFile("target.bin", "x");
   std::filesystem::create_symlink(target, folder.Path() / "linked.cti");

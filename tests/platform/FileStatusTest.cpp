@@ -1,6 +1,7 @@
 #include "platform/FileStatus.h"
 
 #include "support/TempDirectory.h"
+#include "support/Skips.h"
 #include "support/TestSystem.h"
 
 #include <gtest/gtest.h>
@@ -47,9 +48,7 @@ TEST(CanonicalPath, ResolvesDotsAndDoubledSeparators) {
 }
 
 TEST(CanonicalPath, ResolvesSymbolicLinks) {
-  if (!Testing::CanMakeSymbolicLinks()) {
-    GTEST_SKIP() << "this system does not let the test make symbolic links";
-  }
+  TALVIR_SKIP_WITHOUT_SYMBOLIC_LINKS();
   Testing::CTempDirectory folder;
   const auto file = folder.WriteFile("target.cti", "x");
   std::filesystem::create_directory(folder.Path() / "sub");

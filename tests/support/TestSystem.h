@@ -19,6 +19,12 @@ constexpr char kPathSeparator = '/';
 constexpr char kPathListSeparator = ':';
 #endif
 
+// The simulated serial camera is served over a pseudo-terminal, which POSIX systems have and Windows has not; the
+// tests that need one skip elsewhere with this reason.
+constexpr bool kHasPseudoTerminals = !kWindows;
+constexpr const char* kNoPseudoTerminals =
+    "the simulated serial camera is served over a pseudo-terminal, which this system does not have";
+
 // The file name the build gives the shared library `base`: "libTalvir.so" on Linux, "Talvir.dll" on Windows (the
 // Windows build drops the "lib" prefix). Producers keep their ".cti" name on every platform and need no mapping.
 std::string ModuleFileName(const std::string& base);
