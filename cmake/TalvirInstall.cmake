@@ -6,10 +6,20 @@
 #   bin/talvir-cli, bin/genicam-inspect          the tools                               (component Tools)
 #   lib/*.cti                                    the simulated producers, beside the library where discovery looks
 #                                                (component Producers, optional: cmake --install --component)
+# On Windows every DLL goes to bin (Talvir.dll, genicam.dll, the MinGW run-time DLLs), and so do the modules that must
+# sit beside it: producers, serial libraries and the CLProtocol/Win64_x64 driver folder. cpack makes a ZIP there.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
 set(TALVIR_INSTALL_CMAKEDIR ${CMAKE_INSTALL_LIBDIR}/cmake/Talvir)
+if(WIN32)
+  set(TALVIR_INSTALL_MODULEDIR ${CMAKE_INSTALL_BINDIR})
+  set(TALVIR_DRIVER_FOLDER Win64_x64)
+  install(FILES ${TALVIR_RUNTIME_DLLS} DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Runtime)
+else()
+  set(TALVIR_INSTALL_MODULEDIR ${CMAKE_INSTALL_LIBDIR})
+  set(TALVIR_DRIVER_FOLDER Linux64_x64)
+endif()
 
 # Installed targets find their include folders under the prefix; in the build tree they keep the source folders.
 set_target_properties(gentl_headers PROPERTIES INTERFACE_INCLUDE_DIRECTORIES
@@ -40,14 +50,16 @@ install(TARGETS Talvir genicam gentl_headers EXPORT TalvirTargets
 # the library looks in beside itself, and the serial library for the PC's own ports.
 if(TARGET CLProtocol)
   set_target_properties(CLProtocol PROPERTIES INSTALL_RPATH "$ORIGIN")
-  install(TARGETS CLProtocol LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Runtime)
+  install(TARGETS CLProtocol LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Runtime
+          RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Runtime
+          ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Development)
 endif()
 if(TARGET TavCLProtocolGenCP)
-  install(TARGETS TavCLProtocolGenCP LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/CLProtocol/Linux64_x64
+  install(TARGETS TavCLProtocolGenCP LIBRARY DESTINATION ${TALVIR_INSTALL_MODULEDIR}/CLProtocol/${TALVIR_DRIVER_FOLDER}
           COMPONENT Runtime)
 endif()
 if(TARGET clsertav)
-  install(TARGETS clsertav LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Runtime)
+  install(TARGETS clsertav LIBRARY DESTINATION ${TALVIR_INSTALL_MODULEDIR} COMPONENT Runtime)
 endif()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/talvir DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT Development)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/genicam/include/GCBase ${PROJECT_SOURCE_DIR}/genicam/include/GenApi
@@ -72,14 +84,14 @@ endforeach()
 
 # The simulated producers: the module under each flavour's name (not the fault variants, which only tests want).
 if(TARGET TalvirSim)
-  install(TARGETS TalvirSim LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Producers EXCLUDE_FROM_ALL)
+  install(TARGETS TalvirSim LIBRARY DESTINATION ${TALVIR_INSTALL_MODULEDIR} COMPONENT Producers EXCLUDE_FROM_ALL)
   if(TARGET talvir_sim_helper)
-    install(TARGETS talvir_sim_helper LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Producers
-            EXCLUDE_FROM_ALL)
+    install(TARGETS talvir_sim_helper LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} RUNTIME DESTINATION
+            ${CMAKE_INSTALL_BINDIR} COMPONENT Producers EXCLUDE_FROM_ALL)
   endif()
   get_directory_property(sim_flavours DIRECTORY ${PROJECT_SOURCE_DIR}/producers/sim DEFINITION TALVIR_SIM_FLAVOURS)
   foreach(flavour ${sim_flavours})
-    install(FILES ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/${flavour} DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    install(FILES ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/${flavour} DESTINATION ${TALVIR_INSTALL_MODULEDIR}
             COMPONENT Producers EXCLUDE_FROM_ALL)
   endforeach()
 endif()
@@ -91,7 +103,11 @@ set(CPACK_PACKAGE_VENDOR "Talvir")
 set(CPACK_PACKAGE_CONTACT "Talvir developers <talvir@localhost>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Camera access library (GenTL consumer) with its own GenICam node-map engine")
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
-set(CPACK_GENERATOR DEB)
+if(WIN32)
+  set(CPACK_GENERATOR ZIP)
+else()
+  set(CPACK_GENERATOR DEB)
+endif()
 set(CPACK_COMPONENTS_ALL Runtime Development Tools)
 set(CPACK_DEB_COMPONENT_INSTALL OFF)
 set(CPACK_DEBIAN_PACKAGE_SECTION libs)

@@ -4,6 +4,7 @@
 #   scripts/setup.sh --bench    also the benchmark references (OpenCV, libyuv)
 #   scripts/setup.sh --fuzz     also clang and its fuzzing runtime
 #   scripts/setup.sh --memcheck also valgrind (memory check of the port test against short-reading producers)
+#   scripts/setup.sh --windows  also the MinGW-w64 cross compilers, zlib for them and Wine (the windows preset)
 set -euo pipefail
 
 packages=(
@@ -27,7 +28,9 @@ for option in "$@"; do
     --bench) packages+=(libopencv-dev libyuv-dev) ;;
     --fuzz) packages+=(clang libclang-rt-14-dev) ;;
     --memcheck) packages+=(valgrind) ;;
-    *) echo "setup.sh: unknown option '$option' (use --bench, --fuzz, --memcheck)" >&2; exit 2 ;;
+    # GoogleTest's sources (googletest) are built for the target; the header-only libraries are shared with Linux.
+    --windows) packages+=(g++-mingw-w64-x86-64 mingw-w64-tools libz-mingw-w64-dev googletest wine wine64) ;;
+    *) echo "setup.sh: unknown option '$option' (use --bench, --fuzz, --memcheck, --windows)" >&2; exit 2 ;;
   esac
 done
 

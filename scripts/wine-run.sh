@@ -12,9 +12,11 @@ mkdir -p "$(dirname "$prefix")"
 (
   # Parallel test programs wait here for the one that makes the prefix.
   flock 9
-  wineserver -p600 </dev/null >/dev/null 2>&1 || true
+  # The server and Wine's services outlive this script: they must not inherit the lock (9>&-), or they would hold
+  # it for good and every later program would wait here.
+  wineserver -p600 </dev/null >/dev/null 2>&1 9>&- || true
   if [ ! -f "$prefix/system.reg" ]; then
-    wineboot -i </dev/null >/dev/null 2>&1 || true
+    wineboot -i </dev/null >/dev/null 2>&1 9>&- || true
   fi
 ) 9>"${prefix}.lock"
 exec wine "$@"

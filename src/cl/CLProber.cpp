@@ -100,8 +100,8 @@ void CCLProber::AddProbeResult(const char* portId, const char* answer) {
     return;
   }
   std::string deviceId = match[1].str();
-  // The driver names itself by path; a device ID separates the folder from the file with "#". On this platform the
-  // separator is "/", which takes the place of the backslash.
+  // The driver names itself by path; a device ID separates the folder from the file with "#", which takes the place
+  // of the last separator ("/" on Linux, "\\" on Windows).
   const size_t separator = deviceId.find_last_of("\\/");
   if (separator != std::string::npos) {
     deviceId[separator] = '#';

@@ -1,13 +1,13 @@
 #include "cl/CLProtocolTemplate.h"
 
-#include "platform/FileStatus.h"
+#include "platform/CLProtocolLocation.h"
+#include "platform/DynamicModule.h"
 #include "platform/SelfPath.h"
 
 namespace TALVIR {
 namespace {
 
-constexpr const char* kPlatformFolder = "Linux64_x64";
-constexpr const char* kDriverFile = "libTavCLProtocolGenCP.so";
+constexpr const char* kDriverModule = "TavCLProtocolGenCP.dll";
 constexpr const char* kManufacturerAndFamily = "KORIX#GENCP02";
 
 }  // namespace
@@ -15,11 +15,13 @@ constexpr const char* kManufacturerAndFamily = "KORIX#GENCP02";
 std::string GetModuleDirectory() { return Platform::OwnModuleDirectory(); }
 
 std::string GetCLProtocolDeviceIDTemplate() {
-  // The check only chooses between the driver folder beside the library and the one in its parent folder; the
+  const std::string platformFolder = Platform::CLProtocolPlatformFolder();
+  const std::string driverFile = Platform::NativeModuleName(kDriverModule);
+  // The search only chooses between the driver folder beside the library and the one in its parent folder; the
   // result is always rooted at the library's own folder.
-  const std::string besideUs = std::string("./CLProtocol/") + kPlatformFolder + "/" + kDriverFile;
-  const char* const folder = Platform::PathExists(besideUs) ? "./CLProtocol/" : "../CLProtocol/";
-  return GetModuleDirectory() + folder + kPlatformFolder + "#" + kDriverFile + "#" + kManufacturerAndFamily;
+  const std::string besideUs = "./CLProtocol/" + platformFolder + "/" + driverFile;
+  const char* const folder = Platform::IsFoundBySystemSearch(besideUs) ? "./CLProtocol/" : "../CLProtocol/";
+  return GetModuleDirectory() + folder + platformFolder + "#" + driverFile + "#" + kManufacturerAndFamily;
 }
 
 }  // namespace TALVIR

@@ -8,8 +8,8 @@ namespace TALVIR {
 std::string GetModuleDirectory();
 
 // The device-ID template of our protocol driver: "<folder>#<driver file>#<manufacturer>#<family>". The folder is
-// "./CLProtocol/<platform>" or "../CLProtocol/<platform>" appended to the library's folder: the first when that
-// relative path exists from the current directory, the second otherwise.
+// "./CLProtocol/<platform>" or "../CLProtocol/<platform>" appended to the library's folder: the first when the
+// system's file search finds the driver under that relative path, the second otherwise.
 std::string GetCLProtocolDeviceIDTemplate();
 
 }  // namespace TALVIR

@@ -49,7 +49,7 @@ CCtiManager::~CCtiManager() {
 std::string CCtiManager::ConfigurationPath() const {
   // The name is appended with a separator of its own after a folder that already ends with one; the doubled
   // separator is harmless.
-  return m_directory + "/" + kDiscoveryConfigFileName;
+  return m_directory + Platform::kPathSeparator + kDiscoveryConfigFileName;
 }
 
 std::unique_ptr<CCti> CCtiManager::MakeProducer(const std::string& fileName) const {

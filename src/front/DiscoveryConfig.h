@@ -29,14 +29,8 @@ bool ParseConfigSwitch(const std::string& value);
 // the rest after the last ';' is always appended, even when empty: "" gives one empty name, "a;" gives "a" and "".
 std::list<std::string> SplitProducerNames(const std::string& value);
 
-// The producer names configured in INI text (section "User", key "CtiNames", both compared ignoring case; an absent
-// key reads as the empty value); nothing when the text is not valid INI.
-std::optional<std::list<std::string>> ParseDiscoveryConfig(const std::string& text);
-
-// Every setting of INI text; nothing when the text is not valid INI.
-std::optional<CDiscoveryConfig> ParseDiscoveryConfigText(const std::string& text);
-
-// Every setting of the file at `path`; nothing when it cannot be read or parsed.
+// Every setting of the INI file at `path` (section "User"; section and key names compared ignoring case, the first
+// of two entries counting); nothing when it cannot be read or parsed.
 std::optional<CDiscoveryConfig> ReadDiscoveryConfig(const std::string& path);
 
 }  // namespace TALVIR

@@ -1,14 +1,15 @@
 #pragma once
 // Loading shared modules (producers, helper libraries) at run time.
-// The Linux implementation is DynamicModule_posix.cpp; a Windows build adds DynamicModule_win32.cpp.
+// DynamicModule_posix.cpp serves Linux, DynamicModule_win32.cpp Windows.
 #include <string>
 
 namespace TALVIR::Platform {
 
 using ModuleHandle = void*;
 
-// Maps a Windows module name to this platform's: "X.dll" becomes "libX.so"; any other name (".cti" producers
-// among them) is returned unchanged. Only the file-name part is rewritten, a leading folder is kept.
+// Maps a Windows module name to this platform's: on Linux "X.dll" becomes "libX.so"; any other name (".cti"
+// producers among them) is returned unchanged. Only the file-name part is rewritten, a leading folder is kept. On
+// Windows every name is returned unchanged.
 std::string NativeModuleName(const std::string& windowsName);
 
 // Loads a module. A name with a folder separator is loaded from exactly that path. A bare name is looked for
@@ -16,8 +17,9 @@ std::string NativeModuleName(const std::string& windowsName);
 // LastModuleError() then says why.
 ModuleHandle LoadModule(const std::string& nameOrPath);
 
-// A module that is already loaded in the process under this name (a bare file name such as "libX.so"), with one
-// more reference taken (give it back with FreeModule); null when it is not loaded. Never loads anything.
+// A module that is already loaded in the process under this name (a bare file name such as "libX.so" or "X.dll",
+// mapped by NativeModuleName), with one more reference taken (give it back with FreeModule); null when it is not
+// loaded. Never loads anything.
 ModuleHandle FindLoadedModule(const std::string& name);
 
 // The address of an exported symbol, or null.

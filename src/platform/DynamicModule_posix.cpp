@@ -1,63 +1,22 @@
 #include "platform/DynamicModule.h"
 
 #include "platform/SelfPath.h"
+#include "platform/ThreadErrorTable.h"
 
 #include <dlfcn.h>
 
-#include <algorithm>
 #include <cctype>
-#include <mutex>
 #include <string>
-#include <thread>
-#include <utility>
-#include <vector>
 
 namespace TALVIR::Platform {
 namespace {
 
-// The last loader failure of each thread. A table rather than thread-local storage: a library with thread-local
-// data that is loaded and unloaded many times (as applications and tests do with this one) leaves stale entries in
-// every thread's dynamic TLS, which leak checkers then trip over. Threads that never fail have no entry; the table
-// keeps the newest entries only.
-class CLastErrors {
-public:
-  void Set(std::string text) {
-    std::lock_guard<std::mutex> lock(m_mutex);
-    const std::thread::id self = std::this_thread::get_id();
-    m_errors.erase(
-        std::remove_if(m_errors.begin(), m_errors.end(), [&](const auto& entry) { return entry.first == self; }),
-        m_errors.end());
-    if (text.empty()) {
-      return;
-    }
-    if (m_errors.size() >= kMaxThreads) {
-      m_errors.erase(m_errors.begin());
-    }
-    m_errors.emplace_back(self, std::move(text));
-  }
-  std::string Get() {
-    std::lock_guard<std::mutex> lock(m_mutex);
-    const std::thread::id self = std::this_thread::get_id();
-    for (const auto& entry : m_errors) {
-      if (entry.first == self) {
-        return entry.second;
-      }
-    }
-    return {};
-  }
-
-private:
-  static constexpr size_t kMaxThreads = 64;
-  std::mutex m_mutex;
-  std::vector<std::pair<std::thread::id, std::string>> m_errors;
-};
-
-CLastErrors& LastErrors() {
-  static CLastErrors errors;
+CThreadErrorTable& LastErrors() {
+  static CThreadErrorTable errors;
   return errors;
 }
 
-bool HasFolder(const std::string& name) { return name.find('/') != std::string::npos; }
+bool HasFolder(const std::string& name) { return name.find(kPathSeparator) != std::string::npos; }
 
 bool EndsWithIgnoringCase(const std::string& text, const std::string& suffix) {
   if (text.size() < suffix.size()) {
@@ -91,7 +50,7 @@ std::string NativeModuleName(const std::string& windowsName) {
   if (!EndsWithIgnoringCase(windowsName, ".dll")) {
     return windowsName;
   }
-  const size_t slash = windowsName.find_last_of('/');
+  const size_t slash = windowsName.find_last_of(kPathSeparator);
   const size_t nameStart = slash == std::string::npos ? 0 : slash + 1;
   const std::string stem = windowsName.substr(nameStart, windowsName.size() - nameStart - 4);
   return windowsName.substr(0, nameStart) + "lib" + stem + ".so";

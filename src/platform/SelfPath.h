@@ -11,7 +11,12 @@ std::string OwnModulePath();
 // OwnModulePath() cut after its last separator, so the separator stays; empty for a path without one.
 std::string OwnModuleDirectory();
 
-// The path separator of this platform, as appended after a directory.
+// The path separator of this platform, as appended after a directory and as searched for when a path is cut into
+// its folder and file name.
+#ifdef _WIN32
+constexpr char kPathSeparator = '\\';
+#else
 constexpr char kPathSeparator = '/';
+#endif
 
 }  // namespace TALVIR::Platform

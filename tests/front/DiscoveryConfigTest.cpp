@@ -2,6 +2,10 @@
 
 #include "support/TempDirectory.h"
 
+#ifndef _WIN32
+#include <ini.h>
+#endif
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -9,6 +13,21 @@ namespace TALVIR {
 namespace {
 
 using ::testing::ElementsAre;
+
+// The settings of INI text, read as the library reads its configuration: from a file.
+std::optional<CDiscoveryConfig> ParseDiscoveryConfigText(const std::string& text) {
+  Testing::CTempDirectory folder;
+  return ReadDiscoveryConfig(folder.WriteFile(kDiscoveryConfigFileName, text).string());
+}
+
+// Only the producer names of INI text.
+std::optional<std::list<std::string>> ParseDiscoveryConfig(const std::string& text) {
+  std::optional<CDiscoveryConfig> config = ParseDiscoveryConfigText(text);
+  if (!config) {
+    return std::nullopt;
+  }
+  return std::move(config->ctiNames);
+}
 
 TEST(SplitProducerNames, KeepsEveryPieceAsItStands) {
   EXPECT_THAT(SplitProducerNames("a.cti;b.cti"), ElementsAre("a.cti", "b.cti"));
@@ -75,8 +94,70 @@ TEST(ParseDiscoveryConfig, TheFirstOfTwoEntriesWins) {
 }
 
 TEST(ParseDiscoveryConfig, TextThatIsNotIniIsRefused) {
+#ifdef _WIN32
+  GTEST_SKIP() << "Windows' own INI reader accepts any text as INI";
+#endif
   EXPECT_FALSE(ParseDiscoveryConfig("[User]\nCtiNames=A.cti\nthis line has no value\n").has_value());
   EXPECT_FALSE(ParseDiscoveryConfig("[User\nCtiNames=A.cti\n").has_value());
+}
+
+TEST(ParseDiscoveryConfig, LeavesTheReadersProcessWideOptionsAsItFoundThem) {
+#ifdef _WIN32
+  GTEST_SKIP() << "the INI reader with process-wide options is the Linux one; Windows reads INI files itself";
+#else
+  const bool inlineComments = ini_allow_inline_comments;
+  const bool multiline = ini_allow_multiline;
+  const bool useStack = ini_use_stack;
+  const bool allowRealloc = ini_allow_realloc;
+  const int maxLine = ini_max_line;
+  ParseDiscoveryConfig("[User]\nCtiNames=A.cti\n");
+  EXPECT_EQ(ini_allow_inline_comments, inlineComments);
+  EXPECT_EQ(ini_allow_multiline, multiline);
+  EXPECT_EQ(ini_use_stack, useStack);
+  EXPECT_EQ(ini_allow_realloc, allowRealloc);
+  EXPECT_EQ(ini_max_line, maxLine);
+#endif
+}
+
+// The reader's options are process-wide: an application that uses the same reader may have changed any of them.
+// Our configuration reads the same whatever they are.
+TEST(ParseDiscoveryConfig, ReadsTheSameWhateverOptionsTheApplicationGaveTheReader) {
+#ifdef _WIN32
+  GTEST_SKIP() << "the INI reader with process-wide options is the Linux one; Windows reads INI files itself";
+#else
+  const bool bom = ini_allow_bom;
+  char* const commentPrefixes = ini_start_comment_prefixes;
+  const bool noValue = ini_allow_no_value;
+  const bool stopOnFirstError = ini_stop_on_first_error;
+  const int initialAlloc = ini_initial_alloc;
+  static char hashOnly[] = "#";
+  ini_allow_bom = false;
+  ini_start_comment_prefixes = hashOnly;
+  ini_allow_no_value = true;
+  ini_stop_on_first_error = true;
+  ini_initial_alloc = 1;
+
+  const auto withBomAndComment = ParseDiscoveryConfig("\xEF\xBB\xBF[User]\n; producers\nCtiNames=A.cti;B.cti\n");
+  // A line without '=' is not INI, as with the reader's defaults.
+  const auto keyWithoutValue = ParseDiscoveryConfig("[User]\nCtiNames\n");
+  const bool bomAfter = ini_allow_bom;
+  char* const commentPrefixesAfter = ini_start_comment_prefixes;
+  const bool noValueAfter = ini_allow_no_value;
+
+  ini_allow_bom = bom;
+  ini_start_comment_prefixes = commentPrefixes;
+  ini_allow_no_value = noValue;
+  ini_stop_on_first_error = stopOnFirstError;
+  ini_initial_alloc = initialAlloc;
+
+  ASSERT_TRUE(withBomAndComment.has_value());
+  EXPECT_THAT(*withBomAndComment, ElementsAre("A.cti", "B.cti"));
+  EXPECT_FALSE(keyWithoutValue.has_value());
+  // And the application's options are given back.
+  EXPECT_FALSE(bomAfter);
+  EXPECT_EQ(commentPrefixesAfter, hashOnly);
+  EXPECT_TRUE(noValueAfter);
+#endif
 }
 
 TEST(ReadDiscoveryConfig, ReadsAFileAndRefusesAMissingOne) {

@@ -1,8 +1,6 @@
 #include "platform/DynamicModule.h"
 #include "platform/SelfPath.h"
 
-#include "support/TestSystem.h"
-
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -12,16 +10,22 @@ namespace {
 
 using AnswerFunction = int (*)();
 
-TEST(NativeModuleName, MapsWindowsLibraryNamesToThisPlatformsFiles) {
-  if (Testing::kWindows) {
-    EXPECT_EQ(NativeModuleName("ImvexImgConvert.dll"), "ImvexImgConvert.dll");
-    EXPECT_EQ(NativeModuleName("VendraLib.DLL"), "VendraLib.DLL");
-    EXPECT_EQ(NativeModuleName("drivers/TavCLProtocolGenCP.dll"), "drivers/TavCLProtocolGenCP.dll");
-  } else {
-    EXPECT_EQ(NativeModuleName("ImvexImgConvert.dll"), "libImvexImgConvert.so");
-    EXPECT_EQ(NativeModuleName("VendraLib.DLL"), "libVendraLib.so");
-    EXPECT_EQ(NativeModuleName("drivers/TavCLProtocolGenCP.dll"), "drivers/libTavCLProtocolGenCP.so");
-  }
+TEST(NativeModuleName, MapsWindowsLibraryNamesToSharedObjects) {
+#ifdef _WIN32
+  GTEST_SKIP() << "Windows module names are native names on Windows";
+#endif
+  EXPECT_EQ(NativeModuleName("ImvexImgConvert.dll"), "libImvexImgConvert.so");
+  EXPECT_EQ(NativeModuleName("VendraLib.DLL"), "libVendraLib.so");
+  EXPECT_EQ(NativeModuleName("drivers/TavCLProtocolGenCP.dll"), "drivers/libTavCLProtocolGenCP.so");
+}
+
+TEST(NativeModuleName, KeepsEveryNameOnWindows) {
+#ifndef _WIN32
+  GTEST_SKIP() << "names are mapped to shared objects on Linux";
+#else
+  EXPECT_EQ(NativeModuleName("ImvexImgConvert.dll"), "ImvexImgConvert.dll");
+  EXPECT_EQ(NativeModuleName("drivers\\TavCLProtocolGenCP.dll"), "drivers\\TavCLProtocolGenCP.dll");
+#endif
 }
 
 TEST(NativeModuleName, LeavesProducersAndOtherNamesAlone) {
@@ -41,17 +45,36 @@ TEST(LoadModule, FindsABareNameInOurOwnFolderFirst) {
 }
 
 TEST(LoadModule, LoadsByFullPath) {
-  const std::string path = OwnModuleDirectory() + Testing::ModuleFileName("talvir_test_module");
+  const std::string path = OwnModuleDirectory() + NativeModuleName("talvir_test_module.dll");
   CDynamicModule module(path);
   ASSERT_TRUE(module.IsLoaded()) << LastModuleError();
   EXPECT_NE(module.Symbol<AnswerFunction>("TalvirTestModuleAnswer"), nullptr);
 }
 
+TEST(LoadModule, AcceptsForwardSlashesInAWindowsPath) {
+#ifndef _WIN32
+  GTEST_SKIP() << "only Windows paths have two separators";
+#else
+  std::string path = OwnModuleDirectory() + "talvir_test_module.dll";
+  for (char& c : path) {
+    c = c == '\\' ? '/' : c;
+  }
+  CDynamicModule module(path);
+  ASSERT_TRUE(module.IsLoaded()) << LastModuleError();
+  EXPECT_NE(module.Symbol<AnswerFunction>("TalvirTestModuleAnswer"), nullptr);
+#endif
+}
+
 TEST(LoadModule, FallsBackToTheSystemLoaderForBareNames) {
-  // A library of the system, which is not in the folder of this program; both export the C library's cos.
-  CDynamicModule module(Testing::kWindows ? "msvcrt.dll" : "libm.so.6");
+#ifdef _WIN32
+  CDynamicModule module("kernel32.dll");
+  ASSERT_TRUE(module.IsLoaded()) << LastModuleError();
+  EXPECT_NE(module.Symbol<void*>("GetTickCount64"), nullptr);
+#else
+  CDynamicModule module("libm.so.6");
   ASSERT_TRUE(module.IsLoaded()) << LastModuleError();
   EXPECT_NE(module.Symbol<void*>("cos"), nullptr);
+#endif
 }
 
 TEST(LoadModule, MissingModuleGivesNullAndAReason) {
@@ -72,6 +95,21 @@ TEST(FindSymbol, UnknownSymbolAndNullHandleGiveNull) {
   EXPECT_EQ(FindSymbol(nullptr, "TalvirTestModuleAnswer"), nullptr);
   EXPECT_EQ(FindSymbol(module.Handle(), nullptr), nullptr);
   FreeModule(nullptr);  // must be harmless
+}
+
+TEST(FindLoadedModule, FindsALoadedModuleAndTakesAReference) {
+  CDynamicModule module("talvir_test_module.dll");
+  ASSERT_TRUE(module.IsLoaded()) << LastModuleError();
+  const ModuleHandle found = FindLoadedModule(NativeModuleName("talvir_test_module.dll"));
+  ASSERT_NE(found, nullptr);
+  EXPECT_EQ(found, module.Handle());
+  // Giving back the reference FindLoadedModule took leaves the module loaded for its owner.
+  FreeModule(found);
+  const auto answer = module.Symbol<AnswerFunction>("TalvirTestModuleAnswer");
+  ASSERT_NE(answer, nullptr);
+  EXPECT_EQ(answer(), 42);
+  EXPECT_EQ(FindLoadedModule(""), nullptr);
+  EXPECT_EQ(FindLoadedModule(NativeModuleName("never_loaded_module.dll")), nullptr);
 }
 
 TEST(CDynamicModule, MoveTransfersOwnership) {

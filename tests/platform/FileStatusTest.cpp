@@ -1,8 +1,6 @@
 #include "platform/FileStatus.h"
 
 #include "support/TempDirectory.h"
-#include "support/Skips.h"
-#include "support/TestSystem.h"
 
 #include <gtest/gtest.h>
 
@@ -38,24 +36,29 @@ TEST(CanonicalPath, ResolvesDotsAndDoubledSeparators) {
   std::filesystem::create_directory(folder.Path() / "sub");
   const std::optional<std::string> direct = CanonicalPath(file.string());
   ASSERT_TRUE(direct.has_value());
-  EXPECT_TRUE(std::filesystem::path(*direct).is_absolute()) << *direct;
-  if (!Testing::kWindows) {
-    EXPECT_EQ(direct->front(), '/');
-  }
+#ifdef _WIN32
+  // A drive path such as "C:\...\target.cti", without the "\\?\" prefix of the system's final names.
+  ASSERT_GE(direct->size(), 3u);
+  EXPECT_EQ(direct->substr(1, 2), ":\\") << *direct;
+  EXPECT_EQ(CanonicalPath(folder.Path().string() + "\\\\sub\\..\\target.cti"), direct);
+  EXPECT_EQ(CanonicalPath(folder.Path().string() + "/sub/../target.cti"), direct) << "either separator";
+#else
+  EXPECT_EQ(direct->front(), '/');
   EXPECT_EQ(CanonicalPath(folder.Path().string() + "//sub/../target.cti"), direct);
-  EXPECT_EQ(CanonicalPath((folder.Path() / "sub" / ".." / "." / "target.cti").string()), direct);
+#endif
   EXPECT_NE(CanonicalPath((folder.Path() / "sub").string()), direct);
 }
 
-TEST(CanonicalPath, ResolvesSymbolicLinks) {
-  TALVIR_SKIP_WITHOUT_SYMBOLIC_LINKS();
+TEST(CanonicalPath, ResolvesLinks) {
+#ifdef _WIN32
+  GTEST_SKIP() << "symbolic links need a privilege on Windows that test runs do not have";
+#else
   Testing::CTempDirectory folder;
   const auto file = folder.WriteFile("target.cti", "x");
   std::filesystem::create_directory(folder.Path() / "sub");
   std::filesystem::create_symlink(file, folder.Path() / "sub" / "link.cti");
-  const std::optional<std::string> direct = CanonicalPath(file.string());
-  ASSERT_TRUE(direct.has_value());
-  EXPECT_EQ(CanonicalPath((folder.Path() / "sub" / "link.cti").string()), direct);
+  EXPECT_EQ(CanonicalPath((folder.Path() / "sub" / "link.cti").string()), CanonicalPath(file.string()));
+#endif
 }
 
 TEST(CanonicalPath, GivesNothingForMissingPaths) {

@@ -1,2 +1,8 @@
 // A tiny module with one exported C function, loaded by the platform tests.
-extern "C" __attribute__((visibility("default"))) int TalvirTestModuleAnswer() { return 42; }
+#ifdef _WIN32
+#define TALVIR_TEST_MODULE_EXPORT extern "C" __declspec(dllexport)
+#else
+#define TALVIR_TEST_MODULE_EXPORT extern "C" __attribute__((visibility("default")))
+#endif
+
+TALVIR_TEST_MODULE_EXPORT int TalvirTestModuleAnswer() { return 42; }

@@ -2,13 +2,19 @@
 
 #include "platform/DirectoryListing.h"
 #include "platform/Environment.h"
+#include "platform/ModuleNames.h"
 #include "platform/SelfPath.h"
 
 namespace CLProtocol {
 namespace {
 
+using GenICam::Platform::kPathSeparator;
+
+// Folders from settings may end with either separator on Windows.
+bool IsSeparator(char c) { return c == '/' || c == kPathSeparator; }
+
 std::string WithoutTrailingSeparator(std::string folder) {
-  while (folder.size() > 1 && folder.back() == '/') {
+  while (folder.size() > 1 && IsSeparator(folder.back())) {
     folder.pop_back();
   }
   return folder;
@@ -38,12 +44,13 @@ std::vector<std::string> CModuleRegistry::SerialLibraryFolders() {
 std::vector<std::string> CModuleRegistry::DriverFolders() {
   std::vector<std::string> folders;
   for (const std::string& root : GenICam::Platform::EnvironmentPathList("GENICAM_CLPROTOCOL")) {
-    folders.push_back(WithoutTrailingSeparator(root) + "/" + kPlatformFolder);
+    folders.push_back(WithoutTrailingSeparator(root) + kPathSeparator + GenICam::Platform::CLProtocolPlatformFolder());
   }
   const std::string own = GenICam::Platform::OwnModuleDirectory();
   if (!own.empty()) {
-    folders.push_back(own + "CLProtocol/" + kPlatformFolder);
-    folders.push_back(own + "../CLProtocol/" + kPlatformFolder);
+    const std::string platform = GenICam::Platform::CLProtocolPlatformFolder();
+    folders.push_back(own + "CLProtocol" + kPathSeparator + platform);
+    folders.push_back(own + ".." + kPathSeparator + "CLProtocol" + kPathSeparator + platform);
   }
   return folders;
 }
@@ -66,8 +73,9 @@ std::vector<std::shared_ptr<CSerialLibrary>> CModuleRegistry::SerialLibraries() 
   std::vector<std::shared_ptr<CSerialLibrary>> found;
   const std::lock_guard<std::mutex> guard(m_lock);
   for (const std::string& folder : SerialLibraryFolders()) {
-    for (const std::string& name : GenICam::Platform::ListFiles(folder, "clser", ".so")) {
-      std::shared_ptr<CSerialLibrary> library = LibraryLocked(folder + "/" + name);
+    for (const std::string& name :
+         GenICam::Platform::ListFiles(folder, "clser", GenICam::Platform::ModuleFileSuffix())) {
+      std::shared_ptr<CSerialLibrary> library = LibraryLocked(folder + kPathSeparator + name);
       bool seen = false;
       for (const auto& other : found) {
         seen = seen || other == library;
@@ -82,7 +90,7 @@ std::vector<std::shared_ptr<CSerialLibrary>> CModuleRegistry::SerialLibraries() 
 
 std::shared_ptr<CProtocolDriver> CModuleRegistry::Driver(const std::string& directory, const std::string& fileName) {
   const std::string folder = WithoutTrailingSeparator(directory);
-  const std::string key = folder + "/" + fileName;
+  const std::string key = folder + kPathSeparator + fileName;
   const std::lock_guard<std::mutex> guard(m_lock);
   for (const auto& entry : m_drivers) {
     if (entry.first == key) {
@@ -100,7 +108,7 @@ std::shared_ptr<CProtocolDriver> CModuleRegistry::Driver(const std::string& dire
 std::vector<std::shared_ptr<CProtocolDriver>> CModuleRegistry::Drivers() {
   std::vector<std::shared_ptr<CProtocolDriver>> found;
   for (const std::string& folder : DriverFolders()) {
-    for (const std::string& name : GenICam::Platform::ListFiles(folder, "", ".so")) {
+    for (const std::string& name : GenICam::Platform::ListFiles(folder, "", GenICam::Platform::ModuleFileSuffix())) {
       if (std::shared_ptr<CProtocolDriver> driver = Driver(folder, name)) {
         found.push_back(driver);
       }

@@ -1,10 +1,10 @@
 #pragma once
 // The serial libraries and protocol drivers of the process, each loaded at most once and never unloaded.
 //
-// Serial libraries are the files clser*.so in each folder listed in GENICAM_CLSERIAL, then in the folder of this
-// library's own file. Drivers are the *.so files in <root>/Linux64_x64 for each root listed in GENICAM_CLPROTOCOL,
-// then in CLProtocol/Linux64_x64 beside this library's folder and in its parent folder, and any driver a device ID
-// names by folder and file.
+// Serial libraries are the files clser*.so (clser*.dll on Windows) in each folder listed in GENICAM_CLSERIAL, then
+// in the folder of this library's own file. Drivers are the *.so (*.dll) files in <root>/<platform> for each root
+// listed in GENICAM_CLPROTOCOL, then in CLProtocol/<platform> beside this library's folder and in its parent folder,
+// and any driver a device ID names by folder and file. <platform> is Linux64_x64 on Linux, Win64_x64 on Windows.
 #include <memory>
 #include <mutex>
 #include <string>
@@ -14,9 +14,6 @@
 #include "SerialLibrary.h"
 
 namespace CLProtocol {
-
-// The platform folder of the drivers for this build.
-constexpr const char* kPlatformFolder = "Linux64_x64";
 
 class CModuleRegistry {
 public:

@@ -2,12 +2,14 @@
 
 #include "DeviceId.h"
 
+#include "platform/SelfPath.h"
+
 #include <cstring>
 
 namespace CLProtocol {
 
 CProtocolDriver::CProtocolDriver(const std::string& directory, const std::string& fileName)
-    : m_directory(directory), m_fileName(fileName), m_module(directory + "/" + fileName) {
+    : m_directory(directory), m_fileName(fileName), m_module(directory + GenICam::Platform::kPathSeparator + fileName) {
   m_initLib = m_module.Symbol<PFclpInitLib>("clpInitLib");
   m_closeLib = m_module.Symbol<PFclpCloseLib>("clpCloseLib");
   m_getShortDeviceIDTemplates = m_module.Symbol<PFclpGetShortDeviceIDTemplates>("clpGetShortDeviceIDTemplates");

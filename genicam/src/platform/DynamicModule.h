@@ -1,6 +1,6 @@
 #pragma once
 // Loading shared modules (serial libraries, protocol drivers) at run time.
-// The Linux implementation is DynamicModule_posix.cpp.
+// DynamicModule_posix.cpp serves Linux, DynamicModule_win32.cpp Windows.
 #include <string>
 
 namespace GenICam {

@@ -15,7 +15,8 @@ std::optional<std::string> EnvironmentVariable(const std::string& name);
 void SetEnvironmentVariable(const std::string& name, const std::string& value);
 
 // The non-empty entries of a folder list held in an environment variable (entries separated by the platform's
-// list separator, ':' here; ';' is accepted as well so that one setting can serve both platforms). Empty when unset.
+// list separator: ':' on Linux, where ';' is accepted as well so that one setting can serve both platforms; only ';'
+// on Windows, where ':' follows drive letters). Empty when unset.
 std::vector<std::string> EnvironmentPathList(const std::string& name);
 
 }  // namespace Platform

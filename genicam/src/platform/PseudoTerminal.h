@@ -1,6 +1,6 @@
 #pragma once
 // The device side of a pseudo-terminal pair: a simulated serial device serves the master side, a client opens the
-// port named by SlaveName() like any serial port.
+// port named by SlaveName() like any serial port. Windows has no such pair: there Open fails and says so.
 #include <cstddef>
 #include <cstdint>
 #include <string>

@@ -13,7 +13,11 @@ std::string OwnModulePath();
 std::string OwnModuleDirectory();
 
 // The path separator of this platform.
+#ifdef _WIN32
+constexpr char kPathSeparator = '\\';
+#else
 constexpr char kPathSeparator = '/';
+#endif
 
 }  // namespace Platform
 }  // namespace GenICam

@@ -21,13 +21,13 @@ public:
   CSerialDevice(const CSerialDevice&) = delete;
   CSerialDevice& operator=(const CSerialDevice&) = delete;
 
-  // Opens the device raw at 9600 baud, 8 data bits, no parity, one stop bit, no flow control. On failure returns
+  // Opens the device (a device file, or a port name such as "COM3" on Windows) raw at 9600 baud, 8 data bits, no parity, one stop bit, no flow control. On failure returns
   // false and says why in `error`.
   bool Open(const std::string& path, std::string& error);
   // After a failed Open: whether the device does not exist (rather than being busy or refused).
   bool OpenFailedForMissingDevice() const { return m_missing; }
   void Close();
-  bool IsOpen() const { return m_fd >= 0; }
+  bool IsOpen() const { return m_device != kClosed; }
 
   // Reads exactly `size` bytes, waiting at most `timeoutMs`. On a time-out nothing is copied: the bytes that did
   // arrive stay queued for the next read.
@@ -46,7 +46,9 @@ public:
   static bool IsSupportedBaudRate(uint32_t baud);
 
 private:
-  int m_fd = -1;
+  // The open device: a file descriptor on Linux, a handle on Windows; kClosed when none is open.
+  static constexpr intptr_t kClosed = -1;
+  intptr_t m_device = kClosed;
   bool m_missing = false;
   std::string m_pending;
 };

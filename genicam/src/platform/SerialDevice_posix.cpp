@@ -29,6 +29,8 @@ bool SpeedOf(uint32_t baud, speed_t& speed) {
   }
 }
 
+int Descriptor(intptr_t device) { return static_cast<int>(device); }
+
 int RemainingMs(Clock::time_point deadline) {
   const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
   return left > 0 ? static_cast<int>(left) : 0;
@@ -67,27 +69,27 @@ bool CSerialDevice::Open(const std::string& path, std::string& error) {
     return false;
   }
   tcflush(fd, TCIOFLUSH);
-  m_fd = fd;
+  m_device = fd;
   m_pending.clear();
   return true;
 }
 
 void CSerialDevice::Close() {
-  if (m_fd >= 0) {
-    ::close(m_fd);
-    m_fd = -1;
+  if (IsOpen()) {
+    ::close(Descriptor(m_device));
+    m_device = kClosed;
   }
   m_pending.clear();
 }
 
 ESerialResult CSerialDevice::Read(void* buffer, size_t size, uint32_t timeoutMs) {
-  if (m_fd < 0) {
+  if (!IsOpen()) {
     return ESerialResult::Failed;
   }
   const Clock::time_point deadline = Clock::now() + std::chrono::milliseconds(timeoutMs);
   char chunk[4096];
   while (m_pending.size() < size) {
-    pollfd entry{m_fd, POLLIN, 0};
+    pollfd entry{Descriptor(m_device), POLLIN, 0};
     const int ready = ::poll(&entry, 1, RemainingMs(deadline));
     if (ready < 0) {
       if (errno == EINTR) {
@@ -98,7 +100,7 @@ ESerialResult CSerialDevice::Read(void* buffer, size_t size, uint32_t timeoutMs)
     if (ready == 0) {
       return ESerialResult::Timeout;
     }
-    const ssize_t count = ::read(m_fd, chunk, sizeof chunk);
+    const ssize_t count = ::read(Descriptor(m_device), chunk, sizeof chunk);
     if (count > 0) {
       m_pending.append(chunk, static_cast<size_t>(count));
     } else if (count == 0 || errno == EIO || (entry.revents & (POLLHUP | POLLERR)) != 0) {
@@ -113,14 +115,14 @@ ESerialResult CSerialDevice::Read(void* buffer, size_t size, uint32_t timeoutMs)
 }
 
 ESerialResult CSerialDevice::Write(const void* buffer, size_t size, uint32_t timeoutMs) {
-  if (m_fd < 0) {
+  if (!IsOpen()) {
     return ESerialResult::Failed;
   }
   const Clock::time_point deadline = Clock::now() + std::chrono::milliseconds(timeoutMs);
   const char* bytes = static_cast<const char*>(buffer);
   size_t written = 0;
   while (written < size) {
-    const ssize_t count = ::write(m_fd, bytes + written, size - written);
+    const ssize_t count = ::write(Descriptor(m_device), bytes + written, size - written);
     if (count > 0) {
       written += static_cast<size_t>(count);
       continue;
@@ -131,7 +133,7 @@ ESerialResult CSerialDevice::Write(const void* buffer, size_t size, uint32_t tim
     if (count < 0 && errno != EAGAIN && errno != EINTR) {
       return ESerialResult::Failed;
     }
-    pollfd entry{m_fd, POLLOUT, 0};
+    pollfd entry{Descriptor(m_device), POLLOUT, 0};
     const int ready = ::poll(&entry, 1, RemainingMs(deadline));
     if (ready == 0) {
       return ESerialResult::Timeout;
@@ -144,11 +146,11 @@ ESerialResult CSerialDevice::Write(const void* buffer, size_t size, uint32_t tim
 }
 
 size_t CSerialDevice::BytesAvailable() {
-  if (m_fd < 0) {
+  if (!IsOpen()) {
     return 0;
   }
   int queued = 0;
-  if (::ioctl(m_fd, FIONREAD, &queued) != 0 || queued < 0) {
+  if (::ioctl(Descriptor(m_device), FIONREAD, &queued) != 0 || queued < 0) {
     queued = 0;
   }
   return m_pending.size() + static_cast<size_t>(queued);
@@ -156,20 +158,20 @@ size_t CSerialDevice::BytesAvailable() {
 
 void CSerialDevice::Flush() {
   m_pending.clear();
-  if (m_fd >= 0) {
-    tcflush(m_fd, TCIOFLUSH);
+  if (IsOpen()) {
+    tcflush(Descriptor(m_device), TCIOFLUSH);
   }
 }
 
 bool CSerialDevice::SetBaudRate(uint32_t baud) {
   speed_t speed = B0;
   termios settings{};
-  if (m_fd < 0 || !SpeedOf(baud, speed) || tcgetattr(m_fd, &settings) != 0) {
+  if (!IsOpen() || !SpeedOf(baud, speed) || tcgetattr(Descriptor(m_device), &settings) != 0) {
     return false;
   }
   cfsetispeed(&settings, speed);
   cfsetospeed(&settings, speed);
-  return tcsetattr(m_fd, TCSADRAIN, &settings) == 0;
+  return tcsetattr(Descriptor(m_device), TCSADRAIN, &settings) == 0;
 }
 
 bool CSerialDevice::IsSupportedBaudRate(uint32_t baud) {

@@ -1,6 +1,7 @@
 // The serial library of the simulated Camera Link frame grabber (clserkrx.so): one board with two serial channels,
 // ports "KORIX#CL_GRABBER#SERIAL0.0" and "...SERIAL0.1", each with a simulated camera behind it (serial numbers
 // CLG00001 and CLG00002, like the grabber's cameras).
+#include <CLProtocol/CLModuleExport.h>
 #include <CLProtocol/CLSerialApi.h>
 
 #include "GrabberChannel.h"
@@ -9,7 +10,7 @@
 #include <memory>
 #include <string>
 
-#define CL_EXPORT extern "C" __attribute__((visibility("default")))
+#define CL_EXPORT CL_MODULE_EXPORT
 
 using namespace CLProtocol;
 using TalvirSerialCam::CGrabberChannel;

@@ -1,4 +1,5 @@
 // The exported functions of the GenCP-over-serial protocol driver (libTavCLProtocolGenCP.so).
+#include <CLProtocol/CLModuleExport.h>
 #include <CLProtocol/CLProtocolDriverApi.h>
 
 #include "GenCPSession.h"
@@ -10,7 +11,7 @@
 #include <mutex>
 #include <string>
 
-#define CLP_EXPORT extern "C" __attribute__((visibility("default")))
+#define CLP_EXPORT CL_MODULE_EXPORT
 
 using namespace CLProtocol;
 using CLProtocol::GenCP::CGenCPSession;

@@ -1,5 +1,6 @@
 // The exported serial interface of the PC's serial library (clsertav.so): the PC's own serial ports, and
 // pseudo-terminals named in TALVIR_SERIAL_PORTS, as ports "COM_Port#<device path>".
+#include <CLProtocol/CLModuleExport.h>
 #include <CLProtocol/CLSerialApi.h>
 
 #include "PcSerialPorts.h"
@@ -7,7 +8,7 @@
 #include <cstring>
 #include <string>
 
-#define CL_EXPORT extern "C" __attribute__((visibility("default")))
+#define CL_EXPORT CL_MODULE_EXPORT
 
 using namespace CLProtocol;
 using GenICam::Platform::ESerialResult;

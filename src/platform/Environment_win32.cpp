@@ -1,0 +1,53 @@
+#include "platform/Environment.h"
+
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#ifndef WIN32_LEAN_AND_MEAN
+#define WIN32_LEAN_AND_MEAN
+#endif
+#include <windows.h>
+
+namespace TALVIR::Platform {
+
+std::optional<std::string> EnvironmentVariable(const std::string& name) {
+  // The process environment itself, which also sees what other modules of the process set.
+  std::string value(256, '\0');
+  for (;;) {
+    SetLastError(ERROR_SUCCESS);
+    const DWORD length = GetEnvironmentVariableA(name.c_str(), value.data(), static_cast<DWORD>(value.size()));
+    if (length == 0) {
+      // Zero is both "not set" and "set to the empty text"; only the error code tells them apart.
+      if (GetLastError() == ERROR_ENVVAR_NOT_FOUND) {
+        return std::nullopt;
+      }
+      return std::string();
+    }
+    if (length < value.size()) {
+      value.resize(length);
+      return value;
+    }
+    // Too small: the length returned counts the terminating zero.
+    value.assign(length, '\0');
+  }
+}
+
+char PathListSeparator() { return ';'; }
+
+std::vector<std::string> SplitPathList(const std::string& value) {
+  std::vector<std::string> folders;
+  size_t start = 0;
+  while (start <= value.size()) {
+    size_t end = value.find(PathListSeparator(), start);
+    if (end == std::string::npos) {
+      end = value.size();
+    }
+    if (end > start) {
+      folders.push_back(value.substr(start, end - start));
+    }
+    start = end + 1;
+  }
+  return folders;
+}
+
+}  // namespace TALVIR::Platform
