@@ -1,27 +1,27 @@
 #include "DescriptionScan.h"
 
-#include <pugixml.hpp>
 #include <zlib.h>
 
 #include <cstring>
 #include <stdexcept>
 
+#include "xml/XmlDocument.h"
+
 namespace TALVIR::Tools {
 namespace {
 // Of a StructReg only the StructEntry children are features; an IntSwissKnife inside it is part of its address.
-void ScanChildren(const pugi::xml_node& parent, std::map<std::string, std::string>& elements,
+void ScanChildren(const GenApi::Engine::CXmlElement& parent, std::map<std::string, std::string>& elements,
                   bool entriesOnly = false) {
-  for (const pugi::xml_node& child : parent.children()) {
-    if (child.type() != pugi::node_element) continue;
-    const std::string element = child.name();
+  for (GenApi::Engine::CXmlElement child = parent.FirstChild(); child; child = child.NextSibling()) {
+    const std::string element(child.Name());
     if (entriesOnly && element != "StructEntry") continue;
     if (element == "Group" || element == "StructReg") {
       ScanChildren(child, elements, element == "StructReg");
       continue;
     }
     if (ValueKindOfElement(element) == EValueKind::None) continue;
-    const char* name = child.attribute("Name").value();
-    if (*name != '\0') elements.emplace(name, element);
+    const std::string_view name = child.Attribute("Name");
+    if (!name.empty()) elements.emplace(std::string(name), element);
   }
 }
 
@@ -34,13 +34,14 @@ uint16_t LittleEndian16(const unsigned char* p) { return static_cast<uint16_t>(p
 }  // namespace
 
 std::map<std::string, std::string> ScanValueElements(const std::string& xml) {
-  pugi::xml_document document;
-  const pugi::xml_parse_result parsed = document.load_buffer(xml.data(), xml.size(), pugi::parse_default);
-  if (!parsed)
-    throw std::runtime_error(std::string("XML error at offset ") + std::to_string(parsed.offset) + ": " +
-                             parsed.description());
+  GenApi::Engine::CXmlDocument document;
+  if (!document.Load(xml.data(), xml.size())) {
+    const GenICam::Platform::CXmlParseError& error = document.Error();
+    throw std::runtime_error("XML error at line " + std::to_string(error.line) + ", column " +
+                             std::to_string(error.column) + ": " + error.message);
+  }
   std::map<std::string, std::string> elements;
-  ScanChildren(document.document_element(), elements);
+  ScanChildren(document.Root(), elements);
   return elements;
 }
 

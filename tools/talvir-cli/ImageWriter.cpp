@@ -1,6 +1,7 @@
 #include "ImageWriter.h"
 
 #include "Command.h"
+#include "HostSystem.h"
 #include "PictureFile.h"
 
 #include <talvir/Talvir.h>
@@ -21,7 +22,7 @@ constexpr uint32_t kBGR8 = 0x02180015;
 
 std::string Extension(const std::string& path) {
   const size_t dot = path.find_last_of('.');
-  const size_t slash = path.find_last_of('/');
+  const size_t slash = path.find_last_of(CHostSystem::PathSeparators());
   if (dot == std::string::npos || (slash != std::string::npos && dot < slash)) {
     return std::string();
   }

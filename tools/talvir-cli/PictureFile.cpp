@@ -1,123 +1,72 @@
 #include "PictureFile.h"
 
 #include "Command.h"
-
-#include <png.h>
-#include <tiffio.h>
+#include "PictureCodec.h"
 
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <memory>
+#include <exception>
+#include <new>
+#include <string>
 #include <vector>
 
 namespace TalvirCli {
 namespace {
 
-struct SFileCloser {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-
-// One output row in file order: colour as R, G, B; 16-bit samples in the byte order the format wants.
-std::vector<uint8_t> Row(const SPicture& picture, uint32_t y, bool bigEndian16) {
-  const uint8_t* source = picture.pixels + static_cast<size_t>(y) * picture.stride;
-  const size_t bytesPerSample = picture.bitDepth == 16 ? 2 : 1;
-  const size_t samples = static_cast<size_t>(picture.width) * static_cast<size_t>(picture.channels);
-  std::vector<uint8_t> row(source, source + samples * bytesPerSample);
-  if (picture.channels == 3) {
-    for (size_t x = 0; x < picture.width; ++x) {
-      std::swap(row[x * 3], row[x * 3 + 2]);
-    }
+// Why the picture cannot be encoded; empty when it can.
+std::string Problem(const SPicture& picture) {
+  if (picture.pixels == nullptr || picture.width == 0 || picture.height == 0) {
+    return "the picture is empty";
   }
-  if (bytesPerSample == 2 && bigEndian16) {
-    for (size_t index = 0; index < samples; ++index) {
-      uint16_t value;
-      std::memcpy(&value, source + index * 2, 2);
-      row[index * 2] = static_cast<uint8_t>(value >> 8);
-      row[index * 2 + 1] = static_cast<uint8_t>(value & 0xFF);
-    }
+  if (picture.channels != 1 && picture.channels != 3) {
+    return "pictures have 1 or 3 channels, not " + std::to_string(picture.channels);
   }
-  return row;
+  if (picture.bitDepth != 8 && picture.bitDepth != 16) {
+    return "pictures have 8 or 16 bits per sample, not " + std::to_string(picture.bitDepth);
+  }
+  const size_t rowBytes = static_cast<size_t>(picture.width) * static_cast<size_t>(picture.channels) *
+                          static_cast<size_t>(picture.bitDepth / 8);
+  if (picture.stride < rowBytes) {
+    return "a row of " + std::to_string(picture.stride) + " bytes cannot hold " + std::to_string(rowBytes);
+  }
+  return std::string();
 }
-
-[[noreturn]] void PngError(png_structp png, png_const_charp message) {
-  *static_cast<std::string*>(png_get_error_ptr(png)) = message;
-  png_longjmp(png, 1);
-}
-
-void PngWarning(png_structp, png_const_charp) {}
 
 }  // namespace
 
-void CPictureFile::WritePng(const std::string& path, const SPicture& picture) {
-  std::unique_ptr<std::FILE, SFileCloser> file(std::fopen(path.c_str(), "wb"));
-  if (!file) {
-    throw CCommandError("cannot write " + path + ": " + std::strerror(errno));
-  }
-  std::string error;
-  png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, &error, PngError, PngWarning);
-  png_infop info = png != nullptr ? png_create_info_struct(png) : nullptr;
-  if (info == nullptr) {
-    png_destroy_write_struct(&png, nullptr);
-    throw CCommandError("cannot write " + path + ": out of memory");
-  }
-  // Rows are prepared before the jump point so that no C++ object lives across a longjmp.
-  std::vector<std::vector<uint8_t>> rows;
-  for (uint32_t y = 0; y < picture.height; ++y) {
-    rows.push_back(Row(picture, y, true));
-  }
-  std::vector<png_bytep> pointers;
-  for (auto& row : rows) {
-    pointers.push_back(row.data());
-  }
-  if (setjmp(png_jmpbuf(png)) == 0) {
-    png_init_io(png, file.get());
-    png_set_IHDR(png, info, picture.width, picture.height, picture.bitDepth,
-                 picture.channels == 3 ? PNG_COLOR_TYPE_RGB : PNG_COLOR_TYPE_GRAY, PNG_INTERLACE_NONE,
-                 PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
-    if (picture.bitDepth == 16 && picture.significantBits < 16) {
-      png_color_8 bits{};
-      bits.gray = static_cast<png_byte>(picture.significantBits);
-      png_set_sBIT(png, info, &bits);
-    }
-    png_set_compression_level(png, 3);  // fast: grabbing programs save often
-    png_write_info(png, info);
-    png_write_image(png, pointers.data());
-    png_write_end(png, info);
-  }
-  png_destroy_write_struct(&png, &info);
-  const bool closed = std::fclose(file.release()) == 0;
-  if (!error.empty() || !closed) {
-    throw CCommandError("cannot write " + path + ": " + (error.empty() ? std::strerror(errno) : error));
-  }
-}
+void CPictureFile::WritePng(const std::string& path, const SPicture& picture) { Write(path, picture, true); }
 
-void CPictureFile::WriteTiff(const std::string& path, const SPicture& picture) {
-  // libtiff reports through a process-wide handler; silence it and report the failing step instead.
-  TIFFSetErrorHandler(nullptr);
-  TIFFSetWarningHandler(nullptr);
+void CPictureFile::WriteTiff(const std::string& path, const SPicture& picture) { Write(path, picture, false); }
+
+void CPictureFile::Write(const std::string& path, const SPicture& picture, bool png) {
+  const std::string problem = Problem(picture);
+  if (!problem.empty()) {
+    throw CCommandError("cannot write " + path + ": " + problem);
+  }
+  std::vector<uint8_t> bytes;
+  try {
+    bytes = png ? CPictureCodec::EncodePng(picture) : CPictureCodec::EncodeTiff(picture);
+  } catch (const std::bad_alloc&) {
+    throw CCommandError("cannot write " + path + ": out of memory");
+  } catch (const std::exception& error) {
+    throw CCommandError("cannot write " + path + ": " + error.what());
+  }
   errno = 0;
-  TIFF* tiff = TIFFOpen(path.c_str(), "w");
-  if (tiff == nullptr) {
+  std::FILE* file = std::fopen(path.c_str(), "wb");
+  if (file == nullptr) {
     throw CCommandError("cannot write " + path + ": " + (errno != 0 ? std::strerror(errno) : "cannot create it"));
   }
-  TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, picture.width);
-  TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, picture.height);
-  TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, picture.channels);
-  TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, picture.bitDepth);
-  TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, picture.channels == 3 ? PHOTOMETRIC_RGB : PHOTOMETRIC_MINISBLACK);
-  TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
-  TIFFSetField(tiff, TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT);
-  TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_NONE);
-  TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, TIFFDefaultStripSize(tiff, 0));
-  bool written = true;
-  for (uint32_t y = 0; y < picture.height && written; ++y) {
-    std::vector<uint8_t> row = Row(picture, y, false);  // TIFF files say their byte order; ours is native
-    written = TIFFWriteScanline(tiff, row.data(), y, 0) == 1;
+  const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
+  int error = errno;
+  const bool closed = std::fclose(file) == 0;
+  if (written && !closed) {
+    error = errno;
   }
-  TIFFClose(tiff);
-  if (!written) {
-    throw CCommandError("cannot write " + path + ": writing the image data failed (disk full?)");
+  if (!written || !closed) {
+    std::remove(path.c_str());  // a cut-off picture would pass for a whole one
+    throw CCommandError("cannot write " + path + ": " +
+                        (error != 0 ? std::strerror(error) : "writing the file failed (disk full?)"));
   }
 }
 

@@ -1,5 +1,7 @@
 #include "ProducerCheck.h"
 
+#include "HostSystem.h"
+
 #include "gentl/GenTLFunctionTable.h"
 #include "platform/DirectoryListing.h"
 #include "platform/DynamicModule.h"
@@ -12,7 +14,7 @@ namespace TalvirCli {
 
 CProducerCheck::CProducerCheck() {
   const std::string library = TALVIR::Platform::ModulePathOf(reinterpret_cast<const void*>(&TALVIR::Init));
-  const size_t separator = library.find_last_of('/');
+  const size_t separator = library.find_last_of(CHostSystem::PathSeparators());
   if (separator != std::string::npos) {
     m_folder = library.substr(0, separator + 1);
   }

@@ -7,8 +7,6 @@
 #include <cstring>
 #include <unordered_map>
 
-#include <pugixml.hpp>
-
 #include <GCBase/GCException.h>
 
 #include "base/NumberParsing.h"
@@ -31,6 +29,7 @@
 #include "nodes/String.h"
 #include "nodes/StringReg.h"
 #include "nodes/SwissKnife.h"
+#include "xml/XmlDocument.h"
 
 namespace GenApi {
 namespace Engine {
@@ -61,7 +60,7 @@ enum class EKind {
   Plain
 };
 
-EKind KindOf(const char* name) {
+EKind KindOf(std::string_view name) {
   static const std::unordered_map<std::string_view, EKind> kKinds = {{"Group", EKind::Group},
                                                                      {"Integer", EKind::Integer},
                                                                      {"IntReg", EKind::IntReg},
@@ -87,7 +86,7 @@ EKind KindOf(const char* name) {
                                                                      {"AdvFeatureLock", EKind::Plain},
                                                                      {"SmartFeature", EKind::Plain},
                                                                      {"Node", EKind::Plain}};
-  const auto it = kKinds.find(std::string_view(name));
+  const auto it = kKinds.find(name);
   return it == kKinds.end() ? EKind::Unknown : it->second;
 }
 
@@ -117,8 +116,8 @@ std::unique_ptr<CNode> MakeNode(EKind kind, CNodeMapImpl& map, std::string name)
 
 struct CPending {
   CNode* node;
-  pugi::xml_node element;
-  pugi::xml_node shared;  // StructReg entries: the StructReg element, configured first
+  CXmlElement element;
+  CXmlElement shared;  // StructReg entries: the StructReg element, configured first
 };
 
 constexpr int kMaxGroupNesting = 64;
@@ -127,18 +126,17 @@ class CLoader {
 public:
   CLoader(CNodeMapImpl& map, CLoadContext& context) : m_map(map), m_context(context) {}
 
-  void CreateNodes(const pugi::xml_node& parent, int nesting) {
+  void CreateNodes(const CXmlElement& parent, int nesting) {
     if (nesting > kMaxGroupNesting) m_context.Fail(nullptr, parent, "groups nested too deeply");
-    for (pugi::xml_node child = parent.first_child(); child; child = child.next_sibling()) {
-      if (child.type() != pugi::node_element) continue;
-      const EKind kind = KindOf(child.name());
+    for (CXmlElement child = parent.FirstChild(); child; child = child.NextSibling()) {
+      const EKind kind = KindOf(child.Name());
       if (kind == EKind::Unknown) continue;
       if (kind == EKind::Group) {
         CreateNodes(child, nesting + 1);
         continue;
       }
       if (kind == EKind::StructReg) {
-        for (pugi::xml_node entry = child.child("StructEntry"); entry; entry = entry.next_sibling("StructEntry")) {
+        for (CXmlElement entry = child.Child("StructEntry"); entry; entry = entry.NextSibling("StructEntry")) {
           CNode* node = Add(std::make_unique<CIntRegNode>(m_map, NodeName(entry), true), entry);
           m_pending.push_back({node, entry, child});
         }
@@ -146,15 +144,15 @@ public:
       }
       const std::string name = NodeName(child);
       CNode* node = Add(MakeNode(kind, m_map, name), child);
-      m_pending.push_back({node, child, pugi::xml_node()});
+      m_pending.push_back({node, child, CXmlElement()});
       if (kind == EKind::Enumeration) {
         auto* enumeration = static_cast<CEnumerationNode*>(node);
-        for (pugi::xml_node entry = child.child("EnumEntry"); entry; entry = entry.next_sibling("EnumEntry")) {
+        for (CXmlElement entry = child.Child("EnumEntry"); entry; entry = entry.NextSibling("EnumEntry")) {
           const std::string symbolic = NodeName(entry);
           auto entryNode = std::make_unique<CEnumEntryNode>(m_map, "EnumEntry_" + name + "_" + symbolic, symbolic);
           auto* raw = static_cast<CEnumEntryNode*>(Add(std::move(entryNode), entry));
           enumeration->AddEntry(raw);
-          m_pending.push_back({raw, entry, pugi::xml_node()});
+          m_pending.push_back({raw, entry, CXmlElement()});
         }
       }
     }
@@ -173,13 +171,13 @@ public:
   }
 
 private:
-  std::string NodeName(const pugi::xml_node& element) {
-    const std::string_view name = TrimSpaces(element.attribute("Name").value());
+  std::string NodeName(const CXmlElement& element) {
+    const std::string_view name = TrimSpaces(element.Attribute("Name"));
     if (name.empty()) m_context.Fail(nullptr, element, "node without Name attribute");
     return std::string(name);
   }
 
-  CNode* Add(std::unique_ptr<CNode> node, const pugi::xml_node& element) {
+  CNode* Add(std::unique_ptr<CNode> node, const CXmlElement& element) {
     CNode* raw = node.get();
     if (m_map.Find(raw->Name()) != nullptr) m_context.Fail(raw, element, "duplicate node name");
     m_map.AddNode(std::move(node), true);
@@ -323,11 +321,11 @@ void GroupRegisters(CNodeMapImpl& map) {
   }
 }
 
-void ReadRootAttributes(CNodeMapImpl& map, const pugi::xml_node& root) {
-  map.m_modelName = root.attribute("ModelName").value();
-  map.m_vendorName = root.attribute("VendorName").value();
-  map.m_toolTip = root.attribute("ToolTip").value();
-  const std::string_view nameSpace = root.attribute("StandardNameSpace").value();
+void ReadRootAttributes(CNodeMapImpl& map, const CXmlElement& root) {
+  map.m_modelName = std::string(root.Attribute("ModelName"));
+  map.m_vendorName = std::string(root.Attribute("VendorName"));
+  map.m_toolTip = std::string(root.Attribute("ToolTip"));
+  const std::string_view nameSpace = root.Attribute("StandardNameSpace");
   if (nameSpace == "GEV") map.m_standardNameSpace = GEV;
   else if (nameSpace == "IIDC") map.m_standardNameSpace = IIDC;
   else if (nameSpace == "CL") map.m_standardNameSpace = CL;
@@ -336,33 +334,29 @@ void ReadRootAttributes(CNodeMapImpl& map, const pugi::xml_node& root) {
   const char* const schema[3] = {"SchemaMajorVersion", "SchemaMinorVersion", "SchemaSubMinorVersion"};
   const char* const device[3] = {"MajorVersion", "MinorVersion", "SubMinorVersion"};
   for (int i = 0; i < 3; ++i) {
-    ParseInteger(root.attribute(schema[i]).value(), map.m_schemaVersion[i]);
-    ParseInteger(root.attribute(device[i]).value(), map.m_deviceVersion[i]);
+    ParseInteger(root.Attribute(schema[i]), map.m_schemaVersion[i]);
+    ParseInteger(root.Attribute(device[i]), map.m_deviceVersion[i]);
   }
 }
 
 }  // namespace
 
 std::unique_ptr<CNodeMapImpl> LoadNodeMap(const char* text, size_t size, const std::string& deviceName) {
-  pugi::xml_document document;
-  const pugi::xml_parse_result parsed = document.load_buffer(text, size, pugi::parse_cdata | pugi::parse_escapes,
-                                                             pugi::encoding_auto);
-  const std::string_view view(text, size);
-  if (!parsed) {
-    const size_t offset = parsed.offset > 0 ? std::min(static_cast<size_t>(parsed.offset), size) : 0;
-    const size_t line = 1 + static_cast<size_t>(std::count(view.begin(), view.begin() + offset, '\n'));
-    const size_t lineStart = view.rfind('\n', offset == 0 ? 0 : offset - 1);
-    const size_t column = offset - (lineStart == std::string_view::npos ? 0 : lineStart + 1) + 1;
-    throw RUNTIME_EXCEPTION("XML parse error at line %zu, column %zu: %s", line, column, parsed.description());
+  CXmlDocument document;
+  if (!document.Load(text, size)) {
+    const GenICam::Platform::CXmlParseError& error = document.Error();
+    throw RUNTIME_EXCEPTION("XML parse error at line %zu, column %zu: %s", error.line, error.column,
+                            error.message.c_str());
   }
-  const pugi::xml_node root = document.document_element();
-  if (std::strcmp(root.name(), "RegisterDescription") != 0) {
+  const CXmlElement root = document.Root();
+  if (root.Name() != "RegisterDescription") {
+    const std::string rootName(root.Name().substr(0, 200));
     throw RUNTIME_EXCEPTION("Not a device description: the root element is <%s>, not <RegisterDescription>",
-                            root.name());
+                            rootName.c_str());
   }
   auto map = std::make_unique<CNodeMapImpl>(deviceName);
   ReadRootAttributes(*map, root);
-  CLoadContext context(*map, view);
+  CLoadContext context(*map);
   CLoader loader(*map, context);
   loader.CreateNodes(root, 0);
   loader.Configure();

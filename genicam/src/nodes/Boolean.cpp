@@ -11,7 +11,7 @@
 namespace GenApi {
 namespace Engine {
 
-bool CBooleanNode::ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) {
+bool CBooleanNode::ConfigureElement(CLoadContext& context, EElement id, const CXmlElement& child) {
   if (m_value.Configure(*this, context, id, child, false)) return true;
   switch (id) {
   case EElement::OnValue: m_onValue = context.Integer(*this, child); return true;

@@ -17,7 +17,7 @@ public:
   gcstring ToString(bool Verify = false, bool IgnoreCache = false) override;
   void FromString(const gcstring& ValueStr, bool Verify = true) override;
 
-  bool ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) override;
+  bool ConfigureElement(CLoadContext& context, EElement id, const CXmlElement& child) override;
   int64_t GetInt(bool verify, bool ignoreCache) override;
   void SetInt(int64_t value, bool verify) override;
   bool IsNumeric() const override { return true; }

@@ -7,7 +7,7 @@
 namespace GenApi {
 namespace Engine {
 
-bool CCategoryNode::ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) {
+bool CCategoryNode::ConfigureElement(CLoadContext& context, EElement id, const CXmlElement& child) {
   if (id == EElement::pFeature) {
     CNode* feature = context.Resolve(*this, child, false);
     m_features.push_back(feature);

@@ -14,7 +14,7 @@ public:
   void GetFeatures(FeatureList_t& Features) const override;
   gcstring ToString(bool = false, bool = false) override { return gcstring(); }
   void FromString(const gcstring&, bool = true) override;
-  bool ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) override;
+  bool ConfigureElement(CLoadContext& context, EElement id, const CXmlElement& child) override;
   const std::vector<CNode*>& Features() const { return m_features; }
 
 private:

@@ -7,7 +7,7 @@
 namespace GenApi {
 namespace Engine {
 
-bool CCommandNode::ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) {
+bool CCommandNode::ConfigureElement(CLoadContext& context, EElement id, const CXmlElement& child) {
   if (m_value.Configure(*this, context, id, child, false)) return true;
   switch (id) {
   case EElement::CommandValue: context.IntRef(*this, child, false, m_commandValue); return true;

@@ -7,7 +7,7 @@
 namespace GenApi {
 namespace Engine {
 
-bool CConverterCore::Configure(CNode& owner, CLoadContext& context, EElement id, const pugi::xml_node& child) {
+bool CConverterCore::Configure(CNode& owner, CLoadContext& context, EElement id, const CXmlElement& child) {
   if (ConfigureFormulaVariable(owner, context, id, child, set)) return true;
   switch (id) {
   case EElement::FormulaTo:
@@ -37,8 +37,8 @@ bool CConverterCore::Configure(CNode& owner, CLoadContext& context, EElement id,
 }
 
 void CConverterCore::Finish(CNode& owner, CLoadContext& context) {
-  if (target == nullptr) context.Fail(&owner, pugi::xml_node(), "has no pValue");
-  if (!hasTo || !hasFrom) context.Fail(&owner, pugi::xml_node(), "needs FormulaTo and FormulaFrom");
+  if (target == nullptr) context.Fail(&owner, CXmlElement(), "has no pValue");
+  if (!hasTo || !hasFrom) context.Fail(&owner, CXmlElement(), "needs FormulaTo and FormulaFrom");
   set.AddExternal("FROM", 0);
   set.AddExternal("TO", 1);
   programTo = set.Compile(formulaTo, "FormulaTo");

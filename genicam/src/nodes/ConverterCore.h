@@ -11,7 +11,7 @@ namespace Engine {
 // The common part of both converters: FROM is the user value, TO the value of pValue.
 struct CConverterCore {
   explicit CConverterCore(CNode* owner, bool integerMode) : set(owner, integerMode) {}
-  bool Configure(CNode& owner, CLoadContext& context, EElement id, const pugi::xml_node& child);
+  bool Configure(CNode& owner, CLoadContext& context, EElement id, const CXmlElement& child);
   void Finish(CNode& owner, CLoadContext& context);
   CFormulaSet set;
   std::string formulaTo;

@@ -18,7 +18,7 @@ class CConverterValueNode : public TBase {
 public:
   CConverterValueNode(CNodeMapImpl& map, std::string name, EInterfaceType principal)
       : TBase(map, std::move(name), principal), m_core(this, std::is_integral<T>::value) {}
-  bool ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) override {
+  bool ConfigureElement(CLoadContext& context, EElement id, const CXmlElement& child) override {
     if (m_core.Configure(*this, context, id, child)) return true;
     return TBase::ConfigureElement(context, id, child);
   }

@@ -9,7 +9,7 @@
 namespace GenApi {
 namespace Engine {
 
-bool CEnumEntryNode::ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) {
+bool CEnumEntryNode::ConfigureElement(CLoadContext& context, EElement id, const CXmlElement& child) {
   switch (id) {
   case EElement::Value: m_value = context.Integer(*this, child); return true;
   case EElement::NumericValue:

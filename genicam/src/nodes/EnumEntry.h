@@ -19,7 +19,7 @@ public:
   gcstring ToString(bool = false, bool = false) override { return m_symbolic; }
   void FromString(const gcstring& ValueStr, bool Verify = true) override;
 
-  bool ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) override;
+  bool ConfigureElement(CLoadContext& context, EElement id, const CXmlElement& child) override;
   EAccessMode OwnAccessMode() override { return RO; }
   int64_t GetInt(bool, bool) override { return m_value; }
   bool IsNumeric() const override { return true; }

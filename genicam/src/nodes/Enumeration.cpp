@@ -9,7 +9,7 @@
 namespace GenApi {
 namespace Engine {
 
-bool CEnumerationNode::ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) {
+bool CEnumerationNode::ConfigureElement(CLoadContext& context, EElement id, const CXmlElement& child) {
   if (id == EElement::EnumEntry) return true;  // entries are nodes of their own, configured by the loader
   if (m_value.Configure(*this, context, id, child, false)) return true;
   return CValueNode::ConfigureElement(context, id, child);

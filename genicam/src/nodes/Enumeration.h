@@ -24,7 +24,7 @@ public:
   gcstring ToString(bool Verify = false, bool IgnoreCache = false) override;
   void FromString(const gcstring& ValueStr, bool Verify = true) override;
 
-  bool ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) override;
+  bool ConfigureElement(CLoadContext& context, EElement id, const CXmlElement& child) override;
   void FinishLoading(CLoadContext& context) override;
   int64_t GetInt(bool verify, bool ignoreCache) override;
   void SetInt(int64_t value, bool verify) override;

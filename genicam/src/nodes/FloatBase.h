@@ -32,7 +32,7 @@ public:
 
   bool IsNumeric() const override { return true; }
   bool IsFloatValued() const override { return true; }
-  bool ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) override;
+  bool ConfigureElement(CLoadContext& context, EElement id, const CXmlElement& child) override;
   int64_t GetInt(bool verify, bool ignoreCache) override;
   void SetInt(int64_t value, bool verify) override { SetFloat(static_cast<double>(value), verify); }
   virtual double NativeMin() { return -std::numeric_limits<double>::max(); }

@@ -14,7 +14,7 @@ class CFormulaValueNode : public TBase {
 public:
   CFormulaValueNode(CNodeMapImpl& map, std::string name, EInterfaceType principal, bool integerMode)
       : TBase(map, std::move(name), principal), m_core(this, integerMode) {}
-  bool ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) override {
+  bool ConfigureElement(CLoadContext& context, EElement id, const CXmlElement& child) override {
     if (m_core.Configure(*this, context, id, child)) return true;
     return TBase::ConfigureElement(context, id, child);
   }

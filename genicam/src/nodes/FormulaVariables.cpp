@@ -8,10 +8,10 @@ namespace GenApi {
 namespace Engine {
 
 namespace {
-std::string NameAttribute(CNode& owner, CLoadContext& context, const pugi::xml_node& child) {
-  const pugi::xml_attribute name = child.attribute("Name");
-  if (!name || std::string_view(name.value()).empty()) context.Fail(&owner, child, "variable without Name attribute");
-  return std::string(TrimSpaces(name.value()));
+std::string NameAttribute(CNode& owner, CLoadContext& context, const CXmlElement& child) {
+  const std::string_view name = child.Attribute("Name");
+  if (name.empty()) context.Fail(&owner, child, "variable without Name attribute");
+  return std::string(TrimSpaces(name));
 }
 
 }  // namespace
@@ -22,7 +22,7 @@ void AddFormulaDependencies(CNode& owner, CFormulaSet& set) {
   set.FinishCompiling();
 }
 
-bool ConfigureFormulaVariable(CNode& owner, CLoadContext& context, EElement id, const pugi::xml_node& child,
+bool ConfigureFormulaVariable(CNode& owner, CLoadContext& context, EElement id, const CXmlElement& child,
                               CFormulaSet& set) {
   switch (id) {
   case EElement::pVariable: {

@@ -11,7 +11,7 @@
 namespace GenApi {
 namespace Engine {
 
-bool CIntRegNode::ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) {
+bool CIntRegNode::ConfigureElement(CLoadContext& context, EElement id, const CXmlElement& child) {
   switch (id) {
   case EElement::Sign: {
     const std::string_view text = CLoadContext::Text(child);
@@ -42,7 +42,7 @@ void CIntRegNode::FinishLoading(CLoadContext& context) {
     if (m_lsb < 0 && m_msb < 0) m_lsb = m_msb = 0;
     if (m_lsb < 0) m_lsb = m_msb;
     if (m_msb < 0) m_msb = m_lsb;
-    if (m_lsb > 4096 || m_msb > 4096) context.Fail(this, pugi::xml_node(), "bit number out of range");
+    if (m_lsb > 4096 || m_msb > 4096) context.Fail(this, CXmlElement(), "bit number out of range");
   }
 }
 

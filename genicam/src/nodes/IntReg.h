@@ -15,7 +15,7 @@ public:
   CIntRegNode(CNodeMapImpl& map, std::string name, bool masked)
       : CRegisterNode(map, std::move(name), intfIInteger), m_masked(masked) {}
 
-  bool ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) override;
+  bool ConfigureElement(CLoadContext& context, EElement id, const CXmlElement& child) override;
   void FinishLoading(CLoadContext& context) override;
   int64_t GetInt(bool verify, bool ignoreCache) override;
   void SetInt(int64_t value, bool verify) override;

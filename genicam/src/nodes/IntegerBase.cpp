@@ -12,7 +12,7 @@
 namespace GenApi {
 namespace Engine {
 
-bool CIntegerBase::ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) {
+bool CIntegerBase::ConfigureElement(CLoadContext& context, EElement id, const CXmlElement& child) {
   switch (id) {
   case EElement::Unit: m_unit = std::string(CLoadContext::Text(child)); return true;
   case EElement::Representation:

@@ -30,7 +30,7 @@ public:
   void FromString(const gcstring& ValueStr, bool Verify = true) override;
 
   bool IsNumeric() const override { return true; }
-  bool ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) override;
+  bool ConfigureElement(CLoadContext& context, EElement id, const CXmlElement& child) override;
   // Own limits before the imposed ones.
   virtual int64_t NativeMin() { return std::numeric_limits<int64_t>::min(); }
   virtual int64_t NativeMax() { return std::numeric_limits<int64_t>::max(); }

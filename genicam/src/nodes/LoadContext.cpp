@@ -14,7 +14,7 @@
 namespace GenApi {
 namespace Engine {
 
-EElement ElementOf(const char* name) {
+EElement ElementOf(std::string_view name) {
   static const std::unordered_map<std::string_view, EElement> kElements = [] {
     std::unordered_map<std::string_view, EElement> elements;
 #define GENICAM_ELEMENT(Name) elements.emplace(#Name, EElement::Name)
@@ -96,24 +96,18 @@ EElement ElementOf(const char* name) {
 #undef GENICAM_ELEMENT
     return elements;
   }();
-  const auto it = kElements.find(std::string_view(name));
+  const auto it = kElements.find(name);
   return it == kElements.end() ? EElement::Unknown : it->second;
 }
 
-std::string_view CLoadContext::Text(const pugi::xml_node& element) { return TrimSpaces(element.text().get()); }
+std::string_view CLoadContext::Text(const CXmlElement& element) { return TrimSpaces(element.Text()); }
 
-size_t CLoadContext::LineOf(const pugi::xml_node& element) const {
-  if (!element) return 0;
-  const ptrdiff_t offset = element.offset_debug();
-  if (offset < 0 || static_cast<size_t>(offset) > m_text.size()) return 0;
-  return 1 + static_cast<size_t>(std::count(m_text.begin(), m_text.begin() + offset, '\n'));
-}
-
-void CLoadContext::Fail(const CNode* owner, const pugi::xml_node& element, const char* problem) const {
+void CLoadContext::Fail(const CNode* owner, const CXmlElement& element, const char* problem) const {
   const char* nodeName = owner ? owner->Name().c_str() : "?";
   if (element) {
-    throw RUNTIME_EXCEPTION("Node '%s', element <%s> at line %zu: %s", nodeName, element.name(), LineOf(element),
-                            problem);
+    const std::string elementName(element.Name());
+    throw RUNTIME_EXCEPTION("Node '%s', element <%s> at line %zu: %s", nodeName, elementName.c_str(),
+                            static_cast<size_t>(element.Line()), problem);
   }
   throw RUNTIME_EXCEPTION("Node '%s': %s", nodeName, problem);
 }
@@ -123,11 +117,11 @@ void CLoadContext::AddDependency(CNode& reader, CNode& target) {
   target.m_dependents.push_back(&reader);
 }
 
-CNode* CLoadContext::Resolve(CNode& owner, const pugi::xml_node& element, bool reading) {
+CNode* CLoadContext::Resolve(CNode& owner, const CXmlElement& element, bool reading) {
   return ResolveName(owner, Text(element), element, reading);
 }
 
-CNode* CLoadContext::ResolveName(CNode& owner, std::string_view name, const pugi::xml_node& element, bool reading) {
+CNode* CLoadContext::ResolveName(CNode& owner, std::string_view name, const CXmlElement& element, bool reading) {
   CNode* node = m_map.Find(name);
   if (node == nullptr) {
     const std::string problem = "unknown node '" + std::string(name.substr(0, 200)) + "'";
@@ -137,26 +131,26 @@ CNode* CLoadContext::ResolveName(CNode& owner, std::string_view name, const pugi
   return node;
 }
 
-int64_t CLoadContext::Integer(CNode& owner, const pugi::xml_node& element) {
+int64_t CLoadContext::Integer(CNode& owner, const CXmlElement& element) {
   int64_t value = 0;
   if (!ParseInteger(Text(element), value)) Fail(&owner, element, "not an integer");
   return value;
 }
 
-double CLoadContext::Float(CNode& owner, const pugi::xml_node& element) {
+double CLoadContext::Float(CNode& owner, const CXmlElement& element) {
   double value = 0;
   if (!ParseDouble(Text(element), value)) Fail(&owner, element, "not a number");
   return value;
 }
 
-bool CLoadContext::YesNo(CNode& owner, const pugi::xml_node& element) {
+bool CLoadContext::YesNo(CNode& owner, const CXmlElement& element) {
   const std::string_view text = Text(element);
   if (text == "Yes" || text == "true" || text == "1") return true;
   if (text == "No" || text == "false" || text == "0" || text.empty()) return false;
   Fail(&owner, element, "expected Yes or No");
 }
 
-void CLoadContext::IntRef(CNode& owner, const pugi::xml_node& element, bool isPointer, CIntRef& ref) {
+void CLoadContext::IntRef(CNode& owner, const CXmlElement& element, bool isPointer, CIntRef& ref) {
   ref = CIntRef();
   ref.present = true;
   if (isPointer) {
@@ -166,7 +160,7 @@ void CLoadContext::IntRef(CNode& owner, const pugi::xml_node& element, bool isPo
   }
 }
 
-void CLoadContext::FloatRef(CNode& owner, const pugi::xml_node& element, bool isPointer, CFloatRef& ref) {
+void CLoadContext::FloatRef(CNode& owner, const CXmlElement& element, bool isPointer, CFloatRef& ref) {
   ref = CFloatRef();
   ref.present = true;
   if (isPointer) {
@@ -177,16 +171,16 @@ void CLoadContext::FloatRef(CNode& owner, const pugi::xml_node& element, bool is
 }
 
 namespace {
-void SetRef(CLoadContext& context, CNode& owner, const pugi::xml_node& element, bool isPointer, CIntRef& ref) {
+void SetRef(CLoadContext& context, CNode& owner, const CXmlElement& element, bool isPointer, CIntRef& ref) {
   context.IntRef(owner, element, isPointer, ref);
 }
-void SetRef(CLoadContext& context, CNode& owner, const pugi::xml_node& element, bool isPointer, CFloatRef& ref) {
+void SetRef(CLoadContext& context, CNode& owner, const CXmlElement& element, bool isPointer, CFloatRef& ref) {
   context.FloatRef(owner, element, isPointer, ref);
 }
 
 template <class TRef>
-bool ConfigureLimits(CLoadContext& context, CNode& owner, EElement id, const pugi::xml_node& element, TRef& min,
-                     TRef& max, TRef& inc) {
+bool ConfigureLimits(CLoadContext& context, CNode& owner, EElement id, const CXmlElement& element, TRef& min, TRef& max,
+                     TRef& inc) {
   TRef* ref = nullptr;
   bool isPointer = false;
   switch (id) {
@@ -203,19 +197,19 @@ bool ConfigureLimits(CLoadContext& context, CNode& owner, EElement id, const pug
 }
 }  // namespace
 
-bool CLoadContext::Limits(CNode& owner, EElement id, const pugi::xml_node& element, CIntRef& min, CIntRef& max,
+bool CLoadContext::Limits(CNode& owner, EElement id, const CXmlElement& element, CIntRef& min, CIntRef& max,
                           CIntRef& inc) {
   return ConfigureLimits(*this, owner, id, element, min, max, inc);
 }
 
-bool CLoadContext::Limits(CNode& owner, EElement id, const pugi::xml_node& element, CFloatRef& min, CFloatRef& max,
+bool CLoadContext::Limits(CNode& owner, EElement id, const CXmlElement& element, CFloatRef& min, CFloatRef& max,
                           CFloatRef& inc) {
   return ConfigureLimits(*this, owner, id, element, min, max, inc);
 }
 
-CNode* CLoadContext::CreateEmbeddedSwissKnife(CNode& owner, const pugi::xml_node& element) {
+CNode* CLoadContext::CreateEmbeddedSwissKnife(CNode& owner, const CXmlElement& element) {
   // A named embedded formula is a node of the map like any other (when its name is free); an unnamed one is private.
-  const std::string_view given = TrimSpaces(element.attribute("Name").value());
+  const std::string_view given = TrimSpaces(element.Attribute("Name"));
   const bool named = !given.empty() && m_map.Find(given) == nullptr;
   std::string name = named ? std::string(given) : owner.Name() + "#address" + std::to_string(m_map.AllNodes().size());
   auto node = std::make_unique<CIntSwissKnifeNode>(m_map, std::move(name));

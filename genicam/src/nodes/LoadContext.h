@@ -5,9 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include <pugixml.hpp>
-
 #include "nodes/Node.h"
+#include "xml/XmlElement.h"
 
 namespace GenApi {
 namespace Engine {
@@ -96,42 +95,39 @@ enum class EElement : uint8_t {
   Name
 };
 
-EElement ElementOf(const char* name);
+EElement ElementOf(std::string_view name);
 
 class CLoadContext {
 public:
-  CLoadContext(CNodeMapImpl& map, std::string_view documentText) : m_map(map), m_text(documentText) {}
+  explicit CLoadContext(CNodeMapImpl& map) : m_map(map) {}
 
   CNodeMapImpl& Map() { return m_map; }
 
   // Text of an element, trimmed.
-  static std::string_view Text(const pugi::xml_node& element);
+  static std::string_view Text(const CXmlElement& element);
 
   // The node the element names; unknown names raise an exception naming the owner, the element and the line.
   // reading = true adds a dependency edge (owner reads target).
-  CNode* Resolve(CNode& owner, const pugi::xml_node& element, bool reading = true);
-  CNode* ResolveName(CNode& owner, std::string_view name, const pugi::xml_node& element, bool reading = true);
+  CNode* Resolve(CNode& owner, const CXmlElement& element, bool reading = true);
+  CNode* ResolveName(CNode& owner, std::string_view name, const CXmlElement& element, bool reading = true);
   static void AddDependency(CNode& reader, CNode& target);
   // An IntSwissKnife written inside a register (an address part): an unnamed node owned by the map.
-  CNode* CreateEmbeddedSwissKnife(CNode& owner, const pugi::xml_node& element);
+  CNode* CreateEmbeddedSwissKnife(CNode& owner, const CXmlElement& element);
 
-  int64_t Integer(CNode& owner, const pugi::xml_node& element);
-  double Float(CNode& owner, const pugi::xml_node& element);
-  bool YesNo(CNode& owner, const pugi::xml_node& element);
+  int64_t Integer(CNode& owner, const CXmlElement& element);
+  double Float(CNode& owner, const CXmlElement& element);
+  bool YesNo(CNode& owner, const CXmlElement& element);
   // Value or pValue-style element pair into a reference.
-  void IntRef(CNode& owner, const pugi::xml_node& element, bool isPointer, CIntRef& ref);
-  void FloatRef(CNode& owner, const pugi::xml_node& element, bool isPointer, CFloatRef& ref);
+  void IntRef(CNode& owner, const CXmlElement& element, bool isPointer, CIntRef& ref);
+  void FloatRef(CNode& owner, const CXmlElement& element, bool isPointer, CFloatRef& ref);
   // Min/pMin, Max/pMax and Inc/pInc into the three references; false for any other element.
-  bool Limits(CNode& owner, EElement id, const pugi::xml_node& element, CIntRef& min, CIntRef& max, CIntRef& inc);
-  bool Limits(CNode& owner, EElement id, const pugi::xml_node& element, CFloatRef& min, CFloatRef& max, CFloatRef& inc);
+  bool Limits(CNode& owner, EElement id, const CXmlElement& element, CIntRef& min, CIntRef& max, CIntRef& inc);
+  bool Limits(CNode& owner, EElement id, const CXmlElement& element, CFloatRef& min, CFloatRef& max, CFloatRef& inc);
 
-  [[noreturn]] void Fail(const CNode* owner, const pugi::xml_node& element, const char* problem) const;
-  // 1-based line of an element in the document text.
-  size_t LineOf(const pugi::xml_node& element) const;
+  [[noreturn]] void Fail(const CNode* owner, const CXmlElement& element, const char* problem) const;
 
 private:
   CNodeMapImpl& m_map;
-  std::string_view m_text;
 };
 
 }  // namespace Engine

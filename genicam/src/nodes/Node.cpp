@@ -323,18 +323,16 @@ void CNode::CheckWritable(const std::string& valueText) {
 
 void CNode::ValueChanged() { m_map.PropagateChange(this, false); }
 
-void CNode::Configure(CLoadContext& context, const pugi::xml_node& element) {
-  const pugi::xml_attribute nameSpace = element.attribute("NameSpace");
-  if (nameSpace && std::string_view(nameSpace.value()) == "Standard") m_nameSpace = Standard;
-  for (pugi::xml_node child = element.first_child(); child; child = child.next_sibling()) {
-    if (child.type() != pugi::node_element) continue;
-    const EElement id = ElementOf(child.name());
+void CNode::Configure(CLoadContext& context, const CXmlElement& element) {
+  if (element.Attribute("NameSpace") == "Standard") m_nameSpace = Standard;
+  for (CXmlElement child = element.FirstChild(); child; child = child.NextSibling()) {
+    const EElement id = ElementOf(child.Name());
     if (id == EElement::Unknown || id == EElement::Extension) continue;
     ConfigureElement(context, id, child);
   }
 }
 
-bool CNode::ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) {
+bool CNode::ConfigureElement(CLoadContext& context, EElement id, const CXmlElement& child) {
   switch (id) {
   case EElement::ToolTip: Texts().toolTip = std::string(CLoadContext::Text(child)); return true;
   case EElement::Description: Texts().description = std::string(CLoadContext::Text(child)); return true;

@@ -13,10 +13,6 @@
 
 #include "formula/FormulaOperand.h"
 
-namespace pugi {
-class xml_node;
-}
-
 namespace GenApi {
 namespace Engine {
 
@@ -24,6 +20,7 @@ class CNodeMapImpl;
 class CLoadContext;
 class CNode;
 class CRegisterCore;
+class CXmlElement;
 enum class EElement : uint8_t;
 
 // An integer that is either a constant from the description or the value of another node.
@@ -125,8 +122,8 @@ public:
   virtual CRegisterCore* RegisterCore() { return nullptr; }
 
   // Loading: common elements here, type-specific ones in the override. Returns false for elements the type ignores.
-  void Configure(CLoadContext& context, const pugi::xml_node& element);
-  virtual bool ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child);
+  void Configure(CLoadContext& context, const CXmlElement& element);
+  virtual bool ConfigureElement(CLoadContext& context, EElement id, const CXmlElement& child);
   // Called once every node is configured (defaults that depend on other nodes, checks).
   virtual void FinishLoading(CLoadContext& context);
 

@@ -16,7 +16,7 @@ template <class TBase, class T>
 class CNumberNode : public CSourcedNode<TBase> {
 public:
   using CSourcedNode<TBase>::CSourcedNode;
-  bool ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) override {
+  bool ConfigureElement(CLoadContext& context, EElement id, const CXmlElement& child) override {
     if (this->m_value.Configure(*this, context, id, child, std::is_floating_point<T>::value)) return true;
     if (context.Limits(*this, id, child, m_min, m_max, m_inc)) return true;
     return TBase::ConfigureElement(context, id, child);

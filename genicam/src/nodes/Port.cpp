@@ -11,7 +11,7 @@
 namespace GenApi {
 namespace Engine {
 
-bool CPortNode::ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) {
+bool CPortNode::ConfigureElement(CLoadContext& context, EElement id, const CXmlElement& child) {
   switch (id) {
   case EElement::ChunkID: {
     std::string_view text = CLoadContext::Text(child);

@@ -15,7 +15,7 @@ public:
   void Read(void* pBuffer, int64_t Address, int64_t Length) override;
   void Write(const void* pBuffer, int64_t Address, int64_t Length) override;
 
-  bool ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) override;
+  bool ConfigureElement(CLoadContext& context, EElement id, const CXmlElement& child) override;
   EAccessMode OwnAccessMode() override;
   // Register access of the engine (lock held).
   void ReadPort(void* buffer, int64_t address, int64_t length);

@@ -35,7 +35,7 @@ void EncodeUnsigned(uint64_t raw, uint8_t* bytes, int64_t length, bool littleEnd
 
 uint64_t MaskOf(unsigned width) { return width >= 64 ? ~uint64_t(0) : ((uint64_t(1) << width) - 1); }
 
-bool CRegisterCore::Configure(CNode& owner, CLoadContext& context, EElement id, const pugi::xml_node& child) {
+bool CRegisterCore::Configure(CNode& owner, CLoadContext& context, EElement id, const CXmlElement& child) {
   switch (id) {
   case EElement::Address:
     m_address =
@@ -45,11 +45,12 @@ bool CRegisterCore::Configure(CNode& owner, CLoadContext& context, EElement id, 
   case EElement::pAddress: m_pAddresses.push_back(context.Resolve(owner, child)); return true;
   case EElement::pIndex: {
     CIndexPart part{context.Resolve(owner, child), nullptr, 0, false};
-    if (const pugi::xml_attribute offset = child.attribute("Offset")) {
-      if (!ParseInteger(offset.value(), part.offset)) context.Fail(&owner, child, "bad Offset attribute");
+    std::string_view offset;
+    if (child.FindAttribute("Offset", offset)) {
+      if (!ParseInteger(offset, part.offset)) context.Fail(&owner, child, "bad Offset attribute");
       part.hasOffset = true;
-    } else if (const pugi::xml_attribute pOffset = child.attribute("pOffset")) {
-      part.pOffset = context.ResolveName(owner, TrimSpaces(pOffset.value()), child);
+    } else if (child.FindAttribute("pOffset", offset)) {
+      part.pOffset = context.ResolveName(owner, TrimSpaces(offset), child);
       part.hasOffset = true;
     }
     m_indexes.push_back(part);

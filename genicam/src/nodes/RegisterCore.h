@@ -20,7 +20,7 @@ uint64_t MaskOf(unsigned width);
 // Address, length, port, access mode and the byte cache of a register.
 class CRegisterCore {
 public:
-  bool Configure(CNode& owner, CLoadContext& context, EElement id, const pugi::xml_node& child);
+  bool Configure(CNode& owner, CLoadContext& context, EElement id, const CXmlElement& child);
   void Finish(CNode& owner, CLoadContext& context);
 
   int64_t Address(bool ignoreCache);

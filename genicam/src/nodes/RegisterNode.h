@@ -23,7 +23,7 @@ public:
   int64_t GetLength() override { return m_core.PublicLength(*this); }
   int64_t GetAddress() override { return m_core.PublicAddress(*this); }
 
-  bool ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) override {
+  bool ConfigureElement(CLoadContext& context, EElement id, const CXmlElement& child) override {
     if (m_core.Configure(*this, context, id, child)) return true;
     return TBase::ConfigureElement(context, id, child);
   }

@@ -12,7 +12,7 @@ template <class TBase>
 class CSourcedNode : public TBase {
 public:
   using TBase::TBase;
-  void FinishLoading(CLoadContext& context) override { m_value.Check(*this, context, pugi::xml_node()); }
+  void FinishLoading(CLoadContext& context) override { m_value.Check(*this, context, CXmlElement()); }
   EAccessMode OwnAccessMode() override { return m_value.AccessMode(*this); }
   bool CacheValid() const override {
     return const_cast<CValueSource&>(m_value).CacheValid(const_cast<CSourcedNode&>(*this));

@@ -9,7 +9,7 @@
 namespace GenApi {
 namespace Engine {
 
-bool CStringNode::ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) {
+bool CStringNode::ConfigureElement(CLoadContext& context, EElement id, const CXmlElement& child) {
   if (m_value.Configure(*this, context, id, child, false, true)) return true;
   return CValueNode::ConfigureElement(context, id, child);
 }

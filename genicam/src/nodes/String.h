@@ -13,7 +13,7 @@ public:
   CStringNode(CNodeMapImpl& map, std::string name) : CSourcedNode(map, std::move(name), intfIString) {}
   int64_t GetMaxLength() override;
 
-  bool ConfigureElement(CLoadContext& context, EElement id, const pugi::xml_node& child) override;
+  bool ConfigureElement(CLoadContext& context, EElement id, const CXmlElement& child) override;
   std::string GetStr(bool verify, bool ignoreCache) override;
   void SetStr(const std::string& value, bool verify) override;
 };

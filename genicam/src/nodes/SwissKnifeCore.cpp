@@ -7,7 +7,7 @@
 namespace GenApi {
 namespace Engine {
 
-bool CSwissKnifeCore::Configure(CNode& owner, CLoadContext& context, EElement id, const pugi::xml_node& child) {
+bool CSwissKnifeCore::Configure(CNode& owner, CLoadContext& context, EElement id, const CXmlElement& child) {
   if (ConfigureFormulaVariable(owner, context, id, child, set)) return true;
   if (id != EElement::Formula) return false;
   formula = std::string(CLoadContext::Text(child));
@@ -16,7 +16,7 @@ bool CSwissKnifeCore::Configure(CNode& owner, CLoadContext& context, EElement id
 }
 
 void CSwissKnifeCore::Finish(CNode& owner, CLoadContext& context) {
-  if (!hasFormula) context.Fail(&owner, pugi::xml_node(), "has no Formula");
+  if (!hasFormula) context.Fail(&owner, CXmlElement(), "has no Formula");
   program = set.Compile(formula, "Formula");
   AddFormulaDependencies(owner, set);
 }

@@ -10,7 +10,7 @@ namespace Engine {
 
 struct CSwissKnifeCore {
   CSwissKnifeCore(CNode* owner, bool integerMode) : set(owner, integerMode) {}
-  bool Configure(CNode& owner, CLoadContext& context, EElement id, const pugi::xml_node& child);
+  bool Configure(CNode& owner, CLoadContext& context, EElement id, const CXmlElement& child);
   // Compiles the formula; fails the load when there is none.
   void Finish(CNode& owner, CLoadContext& context);
   CFormulaSet set;

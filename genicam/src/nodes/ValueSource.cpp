@@ -9,12 +9,12 @@ namespace GenApi {
 namespace Engine {
 
 namespace {
-void SetConstant(CNode& owner, CLoadContext& context, const pugi::xml_node& child, bool floatConstants,
+void SetConstant(CNode& owner, CLoadContext& context, const CXmlElement& child, bool floatConstants,
                  bool stringConstants, CSource& source) {
   source.present = true;
   source.node = nullptr;
   if (stringConstants) {
-    source.stringValue = std::string(child.text().get());
+    source.stringValue = std::string(child.Text());
     return;
   }
   if (floatConstants) {
@@ -27,7 +27,7 @@ void SetConstant(CNode& owner, CLoadContext& context, const pugi::xml_node& chil
 }
 }  // namespace
 
-bool CValueSource::Configure(CNode& owner, CLoadContext& context, EElement id, const pugi::xml_node& child,
+bool CValueSource::Configure(CNode& owner, CLoadContext& context, EElement id, const CXmlElement& child,
                              bool floatConstants, bool stringConstants) {
   switch (id) {
   case EElement::Value: SetConstant(owner, context, child, floatConstants, stringConstants, m_direct); return true;
@@ -46,9 +46,9 @@ bool CValueSource::Configure(CNode& owner, CLoadContext& context, EElement id, c
   case EElement::pIndex: m_pIndex = context.Resolve(owner, child); return true;
   case EElement::ValueIndexed:
   case EElement::pValueIndexed: {
-    const pugi::xml_attribute indexAttribute = child.attribute("Index");
+    std::string_view indexAttribute;
     int64_t index = 0;
-    if (!indexAttribute || !ParseInteger(indexAttribute.value(), index)) {
+    if (!child.FindAttribute("Index", indexAttribute) || !ParseInteger(indexAttribute, index)) {
       context.Fail(&owner, child, "missing or bad Index attribute");
     }
     CIndexed entry{index, CSource()};
@@ -74,7 +74,7 @@ bool CValueSource::Configure(CNode& owner, CLoadContext& context, EElement id, c
   }
 }
 
-void CValueSource::Check(CNode& owner, CLoadContext& context, const pugi::xml_node& element) const {
+void CValueSource::Check(CNode& owner, CLoadContext& context, const CXmlElement& element) const {
   if (!Present()) context.Fail(&owner, element, "has no Value, pValue or pIndex");
   if (m_pIndex != nullptr && m_indexed.empty() && !m_default.present) {
     context.Fail(&owner, element, "has pIndex but no indexed value");

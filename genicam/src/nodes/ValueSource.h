@@ -24,10 +24,10 @@ class CValueSource {
 public:
   // Handles Value, pValue, pValueCopy, pIndex, ValueIndexed, pValueIndexed, ValueDefault, pValueDefault.
   // floatConstants: constants are parsed as floating point.
-  bool Configure(CNode& owner, CLoadContext& context, EElement id, const pugi::xml_node& child, bool floatConstants,
+  bool Configure(CNode& owner, CLoadContext& context, EElement id, const CXmlElement& child, bool floatConstants,
                  bool stringConstants = false);
   // Fails the load when the node has no value at all.
-  void Check(CNode& owner, CLoadContext& context, const pugi::xml_node& element) const;
+  void Check(CNode& owner, CLoadContext& context, const CXmlElement& element) const;
   bool Present() const { return m_direct.present || m_pIndex != nullptr; }
   // The source that currently holds the value.
   CSource& Current(CNode& owner, bool ignoreCache);

@@ -20,6 +20,30 @@ TEST(BadInput, MalformedXmlNamesLineAndColumn) {
   EXPECT_NE(error.find("column"), std::string::npos) << error;
 }
 
+// UTF-16 descriptions (with byte-order mark) load, and errors name the line in the text as written.
+TEST(BadInput, Utf16DescriptionsLoadAndErrorsNameTheLine) {
+  auto utf16 = [](const std::string& text) {
+    std::string out("\xFF\xFE", 2);
+    for (const char c : text) {
+      out.push_back(c);
+      out.push_back('\0');
+    }
+    return out;
+  };
+  auto load = [](const std::string& bytes) {
+    GenApi::CNodeMapFactory factory(GenApi::ContentType_Xml, bytes.data(), bytes.size());
+    return GenApi::CNodeMapRef(factory.CreateNodeMap("Cam"), "Cam");
+  };
+  GenApi::CNodeMapRef map = load(utf16(Describe("<Integer Name='A'><Value>7</Value></Integer>")));
+  EXPECT_EQ(GenApi::CIntegerPtr(map._GetNode("A"))->GetValue(), 7);
+  const std::string error =
+      ErrorOf([&] { load(utf16(Describe("<Integer Name='A'>\n<pValue>Missing</pValue></Integer>"))); });
+  EXPECT_NE(error.find("line 5"), std::string::npos) << error;
+  const std::string parseError =
+      ErrorOf([&] { load(utf16(Describe("<Integer Name='A'><Value>1</Value>\n</Intger>"))); });
+  EXPECT_NE(parseError.find("line 5"), std::string::npos) << parseError;
+}
+
 TEST(BadInput, EmptyTextAndWrongRoot) {
   EXPECT_FALSE(LoadError("").empty());
   EXPECT_NE(LoadError("<Other/>").find("RegisterDescription"), std::string::npos);
