@@ -56,12 +56,19 @@ GENICAM_DECLARE_EXCEPTION(DynamicCastException);
 
 #undef GENICAM_DECLARE_EXCEPTION
 
-// printf-style formatting into a std::string (bounded, never throws on bad format arguments).
-#if defined(__GNUC__)
-__attribute__((format(printf, 1, 0)))
+// Format checking of printf-style texts. MinGW's "printf" archetype checks Microsoft's rules (no %zu); its C++
+// runtime formats by the C99 rules, which the "gnu_printf" archetype checks.
+#if defined(__MINGW32__)
+#define GENICAM_PRINTF_LIKE(formatIndex, firstArgument) __attribute__((format(gnu_printf, formatIndex, firstArgument)))
+#elif defined(__GNUC__)
+#define GENICAM_PRINTF_LIKE(formatIndex, firstArgument) __attribute__((format(printf, formatIndex, firstArgument)))
+#else
+#define GENICAM_PRINTF_LIKE(formatIndex, firstArgument)
 #endif
-GENICAM_API std::string
-FormatExceptionText(const char* format, va_list args);
+
+// printf-style formatting into a std::string (bounded, never throws on bad format arguments).
+GENICAM_PRINTF_LIKE(1, 0)
+GENICAM_API std::string FormatExceptionText(const char* format, va_list args);
 
 // Builds an exception of type E that remembers where it was made.
 template <class E>
@@ -69,9 +76,7 @@ class CExceptionReporter {
 public:
   CExceptionReporter(const char* sourceFileName, unsigned int sourceLine, const char* typeName)
       : m_sourceFileName(sourceFileName), m_sourceLine(sourceLine), m_typeName(typeName) {}
-#if defined(__GNUC__)
-  __attribute__((format(printf, 2, 3)))
-#endif
+  GENICAM_PRINTF_LIKE(2, 3)
   E Report(const char* format, ...) const {
     va_list args;
     va_start(args, format);
