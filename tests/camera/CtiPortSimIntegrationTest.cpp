@@ -4,7 +4,7 @@
 
 #include "gentl/Cti.h"
 
-#include "../platform/TempDirectory.h"
+#include "support/TempDirectory.h"
 
 #include <talvirsim/SimRegisters.h>
 

@@ -1,7 +1,8 @@
 #pragma once
 // A camera of a simulated producer, made the way the library makes it (manager, discovery, registry), with the
 // simulator's configuration chosen by the test and helpers to look at the stream's buffer accounting.
-#include "../platform/TempDirectory.h"
+#include "support/TempDirectory.h"
+#include "support/TestSystem.h"
 
 #include "camera/Camera.h"
 #include "camera/CameraRegistry.h"
@@ -22,8 +23,6 @@
 #include <string>
 #include <thread>
 
-#include <stdlib.h>
-
 namespace TALVIR::Testing {
 
 // What the producer reports about the camera's data stream.
@@ -41,9 +40,9 @@ public:
                    const std::string& helperName = kHelperLibraryName) {
     if (!config.empty()) {
       const auto file = m_folder.WriteFile("sim.json", config);
-      setenv("TALVIR_SIM_CONFIG", file.string().c_str(), 1);
+      SetEnvironmentValue("TALVIR_SIM_CONFIG", file.string());
     } else {
-      unsetenv("TALVIR_SIM_CONFIG");
+      UnsetEnvironmentValue("TALVIR_SIM_CONFIG");
     }
     m_manager = std::make_unique<CCtiManager>(std::string(TALVIR_BIN_DIR) + "/", helperName);
     m_producer = m_manager->GetOrLoadProducer(producer);
@@ -57,7 +56,7 @@ public:
     for (ICameraInfo* record : m_records) {
       record->Destroy();
     }
-    unsetenv("TALVIR_SIM_CONFIG");
+    UnsetEnvironmentValue("TALVIR_SIM_CONFIG");
   }
   CSimRig(const CSimRig&) = delete;
   CSimRig& operator=(const CSimRig&) = delete;

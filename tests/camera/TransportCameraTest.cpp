@@ -26,7 +26,7 @@ using Testing::SImageGuard;
 // The simulated helper library the registry loaded (the same file, so the same module).
 class CHelperProbe {
 public:
-  CHelperProbe() : m_module(std::string(TALVIR_BIN_DIR) + "/libVendraLib.so") {
+  CHelperProbe() : m_module(std::string(TALVIR_BIN_DIR) + "/" + Testing::ModuleFileName("VendraLib")) {
     if (!m_module.IsLoaded()) {
       throw std::runtime_error("the simulated helper library is missing");
     }

@@ -4,6 +4,9 @@
 
 #include "SerialCameraServer.h"
 
+#include "support/ScopedEnvironmentVariable.h"
+#include "support/Skips.h"
+
 #include <CLProtocol/CLPort.h>
 #include <GenApi/GenApi.h>
 
@@ -11,8 +14,6 @@
 
 #include <atomic>
 #include <memory>
-
-#include <stdlib.h>
 
 namespace TALVIR {
 namespace {
@@ -26,7 +27,7 @@ std::string DriverTemplate() {
   GenICam::gcstring_vector templates;
   CLProtocol::CCLPort::GetDeviceIDTemplates(templates);
   for (const GenICam::gcstring& entry : templates) {
-    if (entry.find("#libTavCLProtocolGenCP.so#KORIX#GENCP02") != std::string::npos) {
+    if (entry.find("#" + Testing::ModuleFileName("TavCLProtocolGenCP") + "#KORIX#GENCP02") != std::string::npos) {
       return entry;
     }
   }
@@ -51,17 +52,21 @@ protected:
     m_server = std::make_unique<CSerialCameraServer>(config);
     std::string error;
     ASSERT_TRUE(m_server->Start(error)) << error;
-    setenv("TALVIR_SERIAL_PORTS", m_server->PortPath().c_str(), 1);
+    m_ports.reset();
+    m_ports = std::make_unique<Testing::CScopedEnvironmentVariable>("TALVIR_SERIAL_PORTS", m_server->PortPath());
   }
   void SetUp() override {
+    TALVIR_SKIP_WITHOUT_PSEUDO_TERMINALS();
     StartCamera(SCameraConfig());
     m_camera = new CCLCamera(nullptr, nullptr);
     m_camera->SetClockForTesting(m_clock.Function());
   }
   void TearDown() override {
-    m_camera->Release();
+    if (m_camera != nullptr) {
+      m_camera->Release();
+    }
     m_server.reset();
-    unsetenv("TALVIR_SERIAL_PORTS");
+    m_ports.reset();
   }
   std::string PortId() const { return "COM_Port#" + m_server->PortPath(); }
   int32_t Connect() { return m_camera->OpenSerial(PortId().c_str(), DriverTemplate().c_str()); }
@@ -74,6 +79,7 @@ protected:
   }
 
   std::unique_ptr<CSerialCameraServer> m_server;
+  std::unique_ptr<Testing::CScopedEnvironmentVariable> m_ports;
   CCLCamera* m_camera = nullptr;
   CManualClock m_clock;
 };

@@ -2,7 +2,8 @@
 
 #include "platform/SelfPath.h"
 
-#include "../platform/TempDirectory.h"
+#include "support/TempDirectory.h"
+#include "support/TestSystem.h"
 
 #include <gtest/gtest.h>
 
@@ -13,21 +14,6 @@
 namespace TALVIR {
 namespace {
 
-// The driver's folder and file on this platform, and the folder of the other platform.
-#ifdef _WIN32
-constexpr const char* kPlatformFolder = "Win64_x64";
-constexpr const char* kDriverFile = "TavCLProtocolGenCP.dll";
-constexpr const char* kOtherPlatformFolder = "Linux64_x64";
-#else
-constexpr const char* kPlatformFolder = "Linux64_x64";
-constexpr const char* kDriverFile = "libTavCLProtocolGenCP.so";
-constexpr const char* kOtherPlatformFolder = "Win64_x64";
-#endif
-
-std::string Expected(const char* relativeFolder) {
-  return GetModuleDirectory() + relativeFolder + kPlatformFolder + "#" + kDriverFile + "#KORIX#GENCP02";
-}
-
 // Runs the test from a fresh temporary folder and returns to the previous one afterwards.
 class CLProtocolTemplateTest : public ::testing::Test {
 protected:
@@ -37,13 +23,20 @@ protected:
     std::filesystem::current_path(m_folder->Path());
   }
   void TearDown() override {
+    // Back first: a folder that is the current one cannot be removed on every system.
     std::filesystem::current_path(m_previous);
     m_folder.reset();
   }
 
-  static void PutDriver(const std::string& platformFolder) {
-    std::filesystem::create_directories(std::filesystem::path("CLProtocol") / platformFolder);
-    std::ofstream(std::filesystem::path("CLProtocol") / platformFolder / kDriverFile) << "x";
+  // The driver file of this platform in the driver folder `platformFolder` under "CLProtocol" of the current folder.
+  static void PlaceDriver(const std::string& platformFolder) {
+    std::filesystem::create_directories("CLProtocol/" + platformFolder);
+    std::ofstream("CLProtocol/" + platformFolder + "/" + Testing::ModuleFileName("TavCLProtocolGenCP")) << "x";
+  }
+  // The template's part after the library's folder, with the driver folder "./" (beside) or "../" (parent).
+  static std::string TemplateAfter(const std::string& folder) {
+    return folder + "CLProtocol/" + Testing::CLProtocolPlatformFolder() + "#" +
+           Testing::ModuleFileName("TavCLProtocolGenCP") + "#KORIX#GENCP02";
   }
 
   std::filesystem::path m_previous;
@@ -53,27 +46,24 @@ protected:
 TEST_F(CLProtocolTemplateTest, ModuleDirectoryIsOurOwnFolderWithItsSeparator) {
   const std::string directory = GetModuleDirectory();
   ASSERT_FALSE(directory.empty());
-#ifdef _WIN32
-  EXPECT_EQ(directory.back(), '\\');
-#else
-  EXPECT_EQ(directory.back(), '/');
-#endif
+  EXPECT_EQ(directory.back(), Testing::kPathSeparator);
   EXPECT_EQ(directory, Platform::OwnModuleDirectory());
 }
 
 TEST_F(CLProtocolTemplateTest, WithoutTheDriverBesideUsTheParentFolderIsNamed) {
-  EXPECT_EQ(GetCLProtocolDeviceIDTemplate(), Expected("../CLProtocol/"));
+  EXPECT_EQ(GetCLProtocolDeviceIDTemplate(), GetModuleDirectory() + TemplateAfter("../"));
 }
 
 TEST_F(CLProtocolTemplateTest, TheDriverFoundFromTheCurrentFolderSelectsTheFolderBesideUs) {
-  PutDriver(kPlatformFolder);
+  PlaceDriver(Testing::CLProtocolPlatformFolder());
   // Rooted at the library's folder, not at the current folder where the driver was found.
-  EXPECT_EQ(GetCLProtocolDeviceIDTemplate(), Expected("./CLProtocol/"));
+  EXPECT_EQ(GetCLProtocolDeviceIDTemplate(), GetModuleDirectory() + TemplateAfter("./"));
 }
 
 TEST_F(CLProtocolTemplateTest, AFolderOfTheWrongPlatformDoesNotCount) {
-  PutDriver(kOtherPlatformFolder);
-  EXPECT_EQ(GetCLProtocolDeviceIDTemplate(), Expected("../CLProtocol/"));
+  std::filesystem::create_directories("CLProtocol/Win64_x64");
+  std::ofstream("CLProtocol/Win64_x64/libTavCLProtocolGenCP.so") << "x";
+  EXPECT_EQ(GetCLProtocolDeviceIDTemplate(), GetModuleDirectory() + TemplateAfter("../"));
 }
 
 }  // namespace

@@ -4,12 +4,15 @@
 
 #include "SerialCameraServer.h"
 
+#include "support/ScopedEnvironmentVariable.h"
+#include "support/Skips.h"
+
 #include <CLProtocol/CLPort.h>
 #include <GenApi/GenApi.h>
 
 #include <gtest/gtest.h>
 
-#include <stdlib.h>
+#include <memory>
 
 namespace TALVIR {
 namespace {
@@ -22,7 +25,7 @@ std::string DriverTemplate() {
   GenICam::gcstring_vector templates;
   CLProtocol::CCLPort::GetDeviceIDTemplates(templates);
   for (const GenICam::gcstring& entry : templates) {
-    if (entry.find("#libTavCLProtocolGenCP.so#KORIX#GENCP02") != std::string::npos) {
+    if (entry.find("#" + Testing::ModuleFileName("TavCLProtocolGenCP") + "#KORIX#GENCP02") != std::string::npos) {
       return entry;
     }
   }
@@ -36,16 +39,21 @@ protected:
     m_camera = std::make_unique<CSerialCameraServer>(config);
     std::string error;
     ASSERT_TRUE(m_camera->Start(error)) << error;
-    setenv("TALVIR_SERIAL_PORTS", m_camera->PortPath().c_str(), 1);
+    m_ports.reset();
+    m_ports = std::make_unique<Testing::CScopedEnvironmentVariable>("TALVIR_SERIAL_PORTS", m_camera->PortPath());
   }
-  void SetUp() override { StartCamera(SCameraConfig()); }
+  void SetUp() override {
+    TALVIR_SKIP_WITHOUT_PSEUDO_TERMINALS();
+    StartCamera(SCameraConfig());
+  }
   void TearDown() override {
     m_camera.reset();
-    unsetenv("TALVIR_SERIAL_PORTS");
+    m_ports.reset();
   }
   std::string PortId() const { return "COM_Port#" + m_camera->PortPath(); }
 
   std::unique_ptr<CSerialCameraServer> m_camera;
+  std::unique_ptr<Testing::CScopedEnvironmentVariable> m_ports;
 };
 
 TEST_F(CLRemoteTest, ClosedRemoteIgnoresAccessAndIsNotAvailable) {

@@ -5,6 +5,9 @@
 
 #include "SerialCameraServer.h"
 
+#include "support/ScopedEnvironmentVariable.h"
+#include "support/Skips.h"
+
 #include <GenApi/GenApi.h>
 
 #include <gmock/gmock.h>
@@ -13,8 +16,7 @@
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
-
-#include <stdlib.h>
+#include <memory>
 
 namespace TALVIR {
 namespace {
@@ -25,27 +27,27 @@ using Testing::CLibraryUnderTest;
 using ::testing::Contains;
 using ::testing::EndsWith;
 
-constexpr const char* kDriverSuffix = "#libTavCLProtocolGenCP.so#KORIX#GENCP02";
+const std::string kDriverSuffix = "#" + Testing::ModuleFileName("TavCLProtocolGenCP") + "#KORIX#GENCP02";
 
 class CameraLinkEntryPointsTest : public ::testing::Test {
 protected:
   void SetUp() override {
+    TALVIR_SKIP_WITHOUT_PSEUDO_TERMINALS();
     std::string error;
     ASSERT_TRUE(m_server.Start(error)) << error;
     // The PC's serial library lists the pseudo-terminal; the library's driver template names the driver folder
     // beside the library.
-    setenv("TALVIR_SERIAL_PORTS", m_server.PortPath().c_str(), 1);
-    m_library.Link(std::string(TALVIR_BIN_DIR) + "/CLProtocol", "CLProtocol");
+    m_ports = std::make_unique<Testing::CScopedEnvironmentVariable>("TALVIR_SERIAL_PORTS", m_server.PortPath());
+    m_library.LinkFolder(std::string(TALVIR_BIN_DIR) + "/CLProtocol", "CLProtocol");
     m_library.WriteConfig("");
     m_library.Load();
   }
-  void TearDown() override { unsetenv("TALVIR_SERIAL_PORTS"); }
 
   std::string PortId() const { return "COM_Port#" + m_server.PortPath(); }
   std::string OurDriver() {
     for (const std::string& entry : m_library.GetCLProtocols()) {
-      if (entry.size() > std::strlen(kDriverSuffix) &&
-          entry.compare(entry.size() - std::strlen(kDriverSuffix), std::string::npos, kDriverSuffix) == 0) {
+      if (entry.size() > kDriverSuffix.size() &&
+          entry.compare(entry.size() - kDriverSuffix.size(), std::string::npos, kDriverSuffix) == 0) {
         return entry;
       }
     }
@@ -57,6 +59,7 @@ protected:
   }
 
   CSerialCameraServer m_server;
+  std::unique_ptr<Testing::CScopedEnvironmentVariable> m_ports;
   CLibraryUnderTest m_library;
 };
 
@@ -70,7 +73,7 @@ TEST_F(CameraLinkEntryPointsTest, TheListsNameOurDriverAndEveryPort) {
   CSerialCameraServer later;
   std::string error;
   ASSERT_TRUE(later.Start(error)) << error;
-  setenv("TALVIR_SERIAL_PORTS", (m_server.PortPath() + ":" + later.PortPath()).c_str(), 1);
+  m_ports->Set(m_server.PortPath() + ":" + later.PortPath());
   EXPECT_EQ(m_library.GetCLSerials(), serials);
 }
 

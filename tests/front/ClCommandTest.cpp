@@ -4,13 +4,15 @@
 
 #include "SerialCameraServer.h"
 
+#include "support/ScopedEnvironmentVariable.h"
+#include "support/Skips.h"
+#include "support/TestSystem.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <memory>
 #include <sstream>
-
-#include <stdlib.h>
 
 namespace TalvirCli {
 namespace {
@@ -31,16 +33,21 @@ class ClCommandTest : public ::testing::Test {
 protected:
   // One camera for the whole suite: the library reads the port list once per process.
   static void SetUpTestSuite() {
+    if (!TALVIR::Testing::kHasPseudoTerminals) {
+      return;
+    }
     s_server = std::make_unique<CSerialCameraServer>();
     std::string error;
     ASSERT_TRUE(s_server->Start(error)) << error;
-    setenv("TALVIR_SERIAL_PORTS", s_server->PortPath().c_str(), 1);
+    s_ports = std::make_unique<TALVIR::Testing::CScopedEnvironmentVariable>("TALVIR_SERIAL_PORTS",
+                                                                            s_server->PortPath());
   }
   static void TearDownTestSuite() {
+    s_ports.reset();
     s_server.reset();
-    unsetenv("TALVIR_SERIAL_PORTS");
   }
-  static std::string Port() { return "COM_Port#" + s_server->PortPath(); }
+  // The port of the simulated serial camera; where there is none, a name that no port has.
+  static std::string Port() { return "COM_Port#" + (s_server ? s_server->PortPath() : std::string("no-camera-port")); }
   static SRun Run(const std::vector<std::string>& args) {
     std::ostringstream out;
     std::ostringstream err;
@@ -52,9 +59,11 @@ protected:
   }
 
   static std::unique_ptr<CSerialCameraServer> s_server;
+  static std::unique_ptr<TALVIR::Testing::CScopedEnvironmentVariable> s_ports;
 };
 
 std::unique_ptr<CSerialCameraServer> ClCommandTest::s_server;
+std::unique_ptr<TALVIR::Testing::CScopedEnvironmentVariable> ClCommandTest::s_ports;
 
 TEST_F(ClCommandTest, UsageErrorsSayWhatIsWrong) {
   SRun run = Run({});
@@ -83,6 +92,7 @@ TEST_F(ClCommandTest, UsageErrorsSayWhatIsWrong) {
 }
 
 TEST_F(ClCommandTest, PortsListThePcPortsAndTheGrabberChannels) {
+  TALVIR_SKIP_WITHOUT_PSEUDO_TERMINALS();
   const SRun run = Run({"ports"});
   EXPECT_EQ(run.code, 0);
   EXPECT_THAT(run.out, HasSubstr(Port() + "\n"));
@@ -93,10 +103,11 @@ TEST_F(ClCommandTest, PortsListThePcPortsAndTheGrabberChannels) {
 TEST_F(ClCommandTest, ProtocolsListOurDriver) {
   const SRun run = Run({"protocols"});
   EXPECT_EQ(run.code, 0);
-  EXPECT_THAT(run.out, HasSubstr("#libTavCLProtocolGenCP.so#KORIX#GENCP02\n"));
+  EXPECT_THAT(run.out, HasSubstr("#" + TALVIR::Testing::ModuleFileName("TavCLProtocolGenCP") + "#KORIX#GENCP02\n"));
 }
 
 TEST_F(ClCommandTest, ProbeFindsTheCameraOnThePseudoTerminal) {
+  TALVIR_SKIP_WITHOUT_PSEUDO_TERMINALS();
   const SRun run = Run({"probe"});
   EXPECT_EQ(run.code, 0);
   const SCameraConfig camera;
@@ -106,6 +117,7 @@ TEST_F(ClCommandTest, ProbeFindsTheCameraOnThePseudoTerminal) {
 }
 
 TEST_F(ClCommandTest, GetReadsFeaturesOverTheSerialLink) {
+  TALVIR_SKIP_WITHOUT_PSEUDO_TERMINALS();
   const SRun run = Run({"get", "--port", Port(), "Width", "DeviceModelName"});
   EXPECT_EQ(run.code, 0) << run.err;
   EXPECT_EQ(run.out, "Width = " + std::to_string(s_server->Register32(kWidthRegister)) +
@@ -113,6 +125,7 @@ TEST_F(ClCommandTest, GetReadsFeaturesOverTheSerialLink) {
 }
 
 TEST_F(ClCommandTest, SetWritesAndReadsBack) {
+  TALVIR_SKIP_WITHOUT_PSEUDO_TERMINALS();
   const SRun run = Run({"set", "--port", Port(), "Width=800", "PixelFormat=Mono12"});
   EXPECT_EQ(run.code, 0) << run.err;
   EXPECT_EQ(run.out, "Width = 800\nPixelFormat = Mono12\n");
@@ -121,6 +134,7 @@ TEST_F(ClCommandTest, SetWritesAndReadsBack) {
 }
 
 TEST_F(ClCommandTest, AMissingFeatureOrABadValueFailsButTheOthersAreDone) {
+  TALVIR_SKIP_WITHOUT_PSEUDO_TERMINALS();
   SRun run = Run({"get", "--port", Port(), "NoSuchFeature", "Width"});
   EXPECT_EQ(run.code, 1);
   EXPECT_THAT(run.err, HasSubstr("no feature 'NoSuchFeature'"));
@@ -132,9 +146,10 @@ TEST_F(ClCommandTest, AMissingFeatureOrABadValueFailsButTheOthersAreDone) {
 }
 
 TEST_F(ClCommandTest, APortWithoutCameraIsAFailure) {
-  const SRun run = Run({"get", "--port", "COM_Port#/dev/no-such-port", "Width"});
+  const std::string port = TALVIR::Testing::kWindows ? "COM_Port#COM250" : "COM_Port#/dev/no-such-port";
+  const SRun run = Run({"get", "--port", port, "Width"});
   EXPECT_EQ(run.code, 1);
-  EXPECT_THAT(run.err, HasSubstr("COM_Port#/dev/no-such-port: "));
+  EXPECT_THAT(run.err, HasSubstr(port + ": "));
   EXPECT_EQ(run.out, "");
 }
 

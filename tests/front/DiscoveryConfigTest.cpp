@@ -1,6 +1,6 @@
 #include "front/DiscoveryConfig.h"
 
-#include "../platform/TempDirectory.h"
+#include "support/TempDirectory.h"
 
 #ifndef _WIN32
 #include <ini.h>

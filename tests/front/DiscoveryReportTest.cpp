@@ -69,7 +69,7 @@ TEST_F(DiscoveryReportTest, BeforeTheFirstDiscoveryTheProducersAreListedUntried)
   EXPECT_FALSE(report.discoveryRan);
   EXPECT_EQ(report.directory, m_folder.Directory());
   EXPECT_TRUE(report.configurationRead);
-  EXPECT_EQ(report.configurationPath, m_folder.Directory() + "/DiscoveryCfg.ini");
+  EXPECT_EQ(report.configurationPath, m_folder.Directory() + Testing::kPathSeparator + "DiscoveryCfg.ini");
   EXPECT_FALSE(report.skipEmptyInterfaces);
   EXPECT_FALSE(report.searchGenTLPath);
   ASSERT_EQ(report.producers.size(), 2u);

@@ -7,14 +7,15 @@
 
 #include "FakeProducerFolder.h"
 
+#include "support/ScopedEnvironmentVariable.h"
+#include "support/TestSystem.h"
+
 #include <talvir/CustomInfo.h>
 #include <talvir/ICameraInfo.h>
 #include <talvir/TLType.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <stdlib.h>
 
 namespace TALVIR {
 namespace {
@@ -29,29 +30,19 @@ using ::testing::UnorderedElementsAre;
 constexpr const char* kVariable = "GENICAM_GENTL64_PATH";
 
 // Sets the variable for one test and restores what was there.
-class CScopedGenTLPath {
+class CScopedGenTLPath : public Testing::CScopedEnvironmentVariable {
 public:
-  explicit CScopedGenTLPath(const std::string& value) {
-    if (const char* old = getenv(kVariable)) {
-      m_old = old;
-      m_hadOld = true;
-    }
-    setenv(kVariable, value.c_str(), 1);
-  }
-  ~CScopedGenTLPath() {
-    if (m_hadOld) {
-      setenv(kVariable, m_old.c_str(), 1);
-    } else {
-      unsetenv(kVariable);
-    }
-  }
-  CScopedGenTLPath(const CScopedGenTLPath&) = delete;
-  CScopedGenTLPath& operator=(const CScopedGenTLPath&) = delete;
-
-private:
-  std::string m_old;
-  bool m_hadOld = false;
+  explicit CScopedGenTLPath(const std::string& value) : CScopedEnvironmentVariable(kVariable, value) {}
 };
+
+// A search-path value: the folders joined with this platform's separator.
+std::string PathList(const std::vector<std::string>& folders) {
+  std::string value;
+  for (size_t i = 0; i < folders.size(); ++i) {
+    value += (i == 0 ? "" : std::string(1, Testing::kPathListSeparator)) + folders[i];
+  }
+  return value;
+}
 
 std::vector<std::string> SerialsAndGiveBack(std::list<ICameraInfo*> records) {
   std::vector<std::string> serials;
@@ -112,10 +103,14 @@ TEST_F(GenTLPathSearchTest, ConfiguredNamesComeFirstThenTheVariablesFolders) {
 
 TEST_F(GenTLPathSearchTest, EachFileIsTakenOnceWhateverTheFoldersAndLinks) {
   CFakeProducerFolder links;
-  // A link to the producer beside the library, and the same folder twice: nothing new.
-  std::filesystem::create_symlink(m_library.Path() / "Beside.cti", links.Path() / "AlsoBeside.cti");
-  CScopedGenTLPath path(":" + m_installed.Path().string() + "::" + m_installed.Directory() + ":" +
-                        m_library.Path().string() + ":" + links.Path().string() + ":/no/such/folder");
+  // A link to the producer beside the library, and the same folder twice: nothing new. Only a symbolic link names
+  // the same file for the manager (a hard link is a file of its own), so where none can be made (Windows without
+  // the privilege, Wine) the links folder stays empty and the folders are checked alone.
+  if (Testing::CanMakeSymbolicLinks()) {
+    std::filesystem::create_symlink(m_library.Path() / "Beside.cti", links.Path() / "AlsoBeside.cti");
+  }
+  CScopedGenTLPath path(PathList({"", m_installed.Path().string(), "", m_installed.Directory(),
+                                  m_library.Path().string(), links.Path().string(), "/no/such/folder"}));
   m_library.WriteConfig("[User]\nSearchGenTLPath=on\n");
   CCtiManager manager(m_library.Directory());
   EXPECT_THAT(manager.ProducerNames(), ElementsAre("Beside.cti", InstalledPath()));
@@ -127,11 +122,11 @@ TEST_F(GenTLPathSearchTest, EachFileIsTakenOnceWhateverTheFoldersAndLinks) {
 TEST_F(GenTLPathSearchTest, GEVTLInTheFileNameNotInTheFolderSelectsTheGigEProducer) {
   CFakeProducerFolder gigeFolder;
   std::filesystem::create_directory(gigeFolder.Path() / "VendorGEVTL");
-  std::filesystem::create_symlink(CFakeProducerModule::Directory() + "TalvirFakeNoInfo.cti",
-                                  gigeFolder.Path() / "VendorGEVTL" / "plain.cti");
+  Testing::LinkFile(CFakeProducerModule::Directory() + "TalvirFakeNoInfo.cti",
+                    gigeFolder.Path() / "VendorGEVTL" / "plain.cti");
   CFakeProducerFolder other;
   other.LinkProducer("VendorGEVTL.cti");
-  CScopedGenTLPath path((gigeFolder.Path() / "VendorGEVTL").string() + ":" + other.Path().string());
+  CScopedGenTLPath path(PathList({(gigeFolder.Path() / "VendorGEVTL").string(), other.Path().string()}));
   m_library.WriteConfig("[User]\nCtiNames=\nSearchGenTLPath=1\n");
   CCtiManager manager(m_library.Directory());
   const std::vector<std::string> names = manager.ProducerNames();
@@ -154,11 +149,11 @@ TEST_F(GenTLPathSearchTest, AnUnsetOrEmptyVariableAddsNothing) {
   m_library.WriteConfig("[User]\nSearchGenTLPath=1\n");
   {
     CScopedGenTLPath path("");
-    unsetenv(kVariable);
+    path.Set(std::nullopt);
     CCtiManager manager(m_library.Directory());
     EXPECT_THAT(manager.ProducerNames(), ElementsAre("Beside.cti"));
   }
-  CScopedGenTLPath empty("::");
+  CScopedGenTLPath empty(PathList({"", "", ""}));
   CCtiManager manager(m_library.Directory());
   EXPECT_THAT(manager.ProducerNames(), ElementsAre("Beside.cti"));
 }

@@ -198,10 +198,12 @@ TEST_F(SimProducersTest, CameraLinkGrabbersCarryOurProtocolDriver) {
     ASSERT_NE(record->GetCustomInfo(CustomInfo::CLProtocolDescriptor), nullptr);
     // The tests run from build/bin, which holds the driver folder once our driver is built: the folder beside the
     // library is named then, else the one in its parent folder.
-    const bool driverBeside = std::filesystem::exists("./CLProtocol/Linux64_x64/libTavCLProtocolGenCP.so");
+    const std::string platformFolder = Testing::CLProtocolPlatformFolder();
+    const std::string driver = Testing::ModuleFileName("TavCLProtocolGenCP");
+    const bool driverBeside = std::filesystem::exists("./CLProtocol/" + platformFolder + "/" + driver);
     EXPECT_EQ(std::string(record->GetCustomInfo(CustomInfo::CLProtocolDescriptor)),
-              m_library.Directory() + (driverBeside ? "./" : "../") +
-                  "CLProtocol/Linux64_x64#libTavCLProtocolGenCP.so#KORIX#GENCP02");
+              m_library.Directory() + (driverBeside ? "./" : "../") + "CLProtocol/" + platformFolder + "#" + driver +
+                  "#KORIX#GENCP02");
     ASSERT_NE(record->GetCustomInfo(CustomInfo::CLGrabberSerialPort), nullptr);
     EXPECT_EQ(std::string(record->GetCustomInfo(CustomInfo::CLGrabberSerialPort)).rfind("KORIX#CL_GRABBER#SERIAL", 0),
               0u);

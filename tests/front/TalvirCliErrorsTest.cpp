@@ -2,6 +2,8 @@
 // standard error that starts with "talvir-cli: " and says what and why, and nothing on standard output.
 #include "CliApp.h"
 
+#include "support/TestSystem.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -44,8 +46,9 @@ TEST(TalvirCliErrors, UnknownSerial) {
     }
     ExpectOneLine(RunLine(line), 1, "no camera with serial 'NO-SUCH-SERIAL' (found: ");
   }
-  ExpectOneLine(RunLine({"settings", "load", TALVIR_SOURCE_DIR "/README.md", "--serial", "NO-SUCH-SERIAL"}), 1,
-                "no camera with serial");
+  // The path in this platform's own form: on Windows an argument that starts with '/' reads as an option.
+  const std::string readme = std::filesystem::absolute(TALVIR_SOURCE_DIR "/README.md").make_preferred().string();
+  ExpectOneLine(RunLine({"settings", "load", readme, "--serial", "NO-SUCH-SERIAL"}), 1, "no camera with serial");
 }
 
 TEST(TalvirCliErrors, IndexPastTheEnd) {
@@ -58,16 +61,25 @@ TEST(TalvirCliErrors, ProducerThatFailsToLoad) {
   ExpectOneLine(RunLine({"features", "--producer", "TalvirSimNoQueue.cti"}), 1,
                 "no camera found: producer TalvirSimNoQueue.cti failed: it is not a GenTL producer");
   // A shared library that is no producer, and a file that cannot be loaded at all (a program).
-  ExpectOneLine(RunLine({"discover", "--producer", "libgenicam.so"}), 1,
-                "producer libgenicam.so failed: it is not a GenTL producer: it lacks the function GCInitLib");
-  ExpectOneLine(RunLine({"get", "Width", "--producer", "talvir-cli"}), 1,
-                "no camera found: producer talvir-cli failed: it cannot be loaded (");
+  const std::string genicam = TALVIR::Testing::ModuleFileName("genicam");
+  ExpectOneLine(RunLine({"discover", "--producer", genicam}), 1,
+                "producer " + genicam + " failed: it is not a GenTL producer: it lacks the function GCInitLib");
+  // Windows loads a program as a module (it then lacks the producer's functions); Linux cannot load one.
+  const std::string program = TALVIR::Testing::ProgramFileName("talvir-cli");
+  ExpectOneLine(RunLine({"get", "Width", "--producer", program}), 1,
+                "no camera found: producer " + program +
+                    (TALVIR::Testing::kWindows ? " failed: it is not a GenTL producer: it lacks the function GCInitLib"
+                                               : " failed: it cannot be loaded ("));
+  // A file that is no module on any platform: the build's cache, in the folder above the programs.
+  ExpectOneLine(RunLine({"get", "Width", "--producer", "../CMakeCache.txt"}), 1,
+                "no camera found: producer ../CMakeCache.txt failed: it cannot be loaded (");
   ExpectOneLine(RunLine({"grab", "--producer", "NotThere.cti"}), 1,
                 "producer NotThere.cti failed: there is no such file");
 }
 
 TEST(TalvirCliErrors, UnwritableAndUnreadableFiles) {
-  const std::string missingFolder = "/nonexistent-talvir-folder/settings.txt";
+  const std::string missingFolder =
+      (std::filesystem::temp_directory_path() / "nonexistent-talvir-folder" / "settings.txt").string();
   ExpectOneLine(RunLine({"settings", "save", missingFolder}), 1, "cannot write " + missingFolder + ": ");
   ExpectOneLine(RunLine({"settings", "load", missingFolder}), 1, "cannot read " + missingFolder + ": ");
   EXPECT_FALSE(std::filesystem::exists(missingFolder));
@@ -77,9 +89,12 @@ TEST(TalvirCliErrors, SavingSettingsOfAMissingCameraLeavesAnExistingFileAlone) {
   const std::filesystem::path file = std::filesystem::temp_directory_path() / "talvir-cli-settings-kept.txt";
   { std::ofstream(file) << "Width\t64\n"; }
   ExpectOneLine(RunLine({"settings", "save", file.string(), "--serial", "NO-SUCH-SERIAL"}), 1, "no camera with serial");
-  std::ifstream in(file);
   std::ostringstream kept;
-  kept << in.rdbuf();
+  {
+    // Closed before the file is removed: Windows removes no file that is open.
+    std::ifstream in(file);
+    kept << in.rdbuf();
+  }
   EXPECT_EQ(kept.str(), "Width\t64\n");
   std::filesystem::remove(file);
   ExpectOneLine(RunLine({"settings", "save", file.string(), "--serial", "NO-SUCH-SERIAL"}), 1, "no camera with serial");

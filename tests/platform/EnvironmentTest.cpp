@@ -1,6 +1,6 @@
 #include "platform/Environment.h"
 
-#include "TestEnvironment.h"
+#include "support/TestSystem.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -11,9 +11,9 @@ namespace {
 using ::testing::ElementsAre;
 
 TEST(EnvironmentVariable, ReadsASetValue) {
-  ASSERT_TRUE(Testing::SetTestVariable("TALVIR_PLATFORM_TEST_VALUE", "a=b;c"));
+  Testing::SetEnvironmentValue("TALVIR_PLATFORM_TEST_VALUE", "a=b;c");
   EXPECT_EQ(EnvironmentVariable("TALVIR_PLATFORM_TEST_VALUE"), std::optional<std::string>("a=b;c"));
-  Testing::UnsetTestVariable("TALVIR_PLATFORM_TEST_VALUE");
+  Testing::UnsetEnvironmentValue("TALVIR_PLATFORM_TEST_VALUE");
   EXPECT_FALSE(EnvironmentVariable("TALVIR_PLATFORM_TEST_VALUE").has_value());
 }
 
@@ -21,22 +21,22 @@ TEST(EnvironmentVariable, ReadsAnEmptyValueAsSetButEmpty) {
 #ifdef _WIN32
   GTEST_SKIP() << "the C runtime of Windows removes a variable that is given an empty value";
 #else
-  ASSERT_TRUE(Testing::SetTestVariable("TALVIR_PLATFORM_TEST_VALUE", ""));
+  Testing::SetEnvironmentValue("TALVIR_PLATFORM_TEST_VALUE", "");
   EXPECT_EQ(EnvironmentVariable("TALVIR_PLATFORM_TEST_VALUE"), std::optional<std::string>(""))
       << "set but empty differs from unset";
-  Testing::UnsetTestVariable("TALVIR_PLATFORM_TEST_VALUE");
+  Testing::UnsetEnvironmentValue("TALVIR_PLATFORM_TEST_VALUE");
 #endif
 }
 
 TEST(EnvironmentVariable, ReadsALongValueWhole) {
   const std::string value(5000, 'v');
-  ASSERT_TRUE(Testing::SetTestVariable("TALVIR_PLATFORM_TEST_LONG", value));
+  Testing::SetEnvironmentValue("TALVIR_PLATFORM_TEST_LONG", value);
   EXPECT_EQ(EnvironmentVariable("TALVIR_PLATFORM_TEST_LONG"), std::optional<std::string>(value));
-  Testing::UnsetTestVariable("TALVIR_PLATFORM_TEST_LONG");
+  Testing::UnsetEnvironmentValue("TALVIR_PLATFORM_TEST_LONG");
 }
 
 TEST(EnvironmentVariable, UnsetGivesNothing) {
-  Testing::UnsetTestVariable("TALVIR_PLATFORM_TEST_UNSET");
+  Testing::UnsetEnvironmentValue("TALVIR_PLATFORM_TEST_UNSET");
   EXPECT_FALSE(EnvironmentVariable("TALVIR_PLATFORM_TEST_UNSET").has_value());
   EXPECT_FALSE(EnvironmentVariable("").has_value());
 }

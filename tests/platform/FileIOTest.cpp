@@ -1,6 +1,6 @@
 #include "platform/FileIO.h"
 
-#include "TempDirectory.h"
+#include "support/TempDirectory.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "platform/IniFile.h"
 #include "platform/SelfPath.h"
 
-#include "TempDirectory.h"
+#include "support/TempDirectory.h"
 
 #include <gtest/gtest.h>
 

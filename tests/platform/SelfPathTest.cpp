@@ -1,26 +1,21 @@
 #include "platform/SelfPath.h"
 
+#include "support/TestSystem.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
-
-#ifndef _WIN32
-#include <unistd.h>
-#endif
 
 namespace TALVIR::Platform {
 namespace {
 
 TEST(SelfPath, IsThisProgramWhenLinkedStatically) {
   // The platform layer is linked into this test program, so "our own module" is the program itself.
-#ifdef _WIN32
-  EXPECT_EQ(std::filesystem::path(OwnModulePath()).filename().string(), "platform_tests.exe") << OwnModulePath();
-#else
-  char exe[4096] = {};
-  const ssize_t length = readlink("/proc/self/exe", exe, sizeof exe - 1);
-  ASSERT_GT(length, 0);
-  EXPECT_EQ(std::filesystem::canonical(OwnModulePath()), std::filesystem::canonical(exe));
-#endif
+  EXPECT_EQ(std::filesystem::path(OwnModulePath()).filename().string(), Testing::ProgramFileName("platform_tests"))
+      << OwnModulePath();
+  const std::filesystem::path program = Testing::ThisProgramPath();
+  ASSERT_FALSE(program.empty());
+  EXPECT_EQ(std::filesystem::canonical(OwnModulePath()), std::filesystem::canonical(program));
   EXPECT_TRUE(std::filesystem::is_regular_file(OwnModulePath()));
 }
 

@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #include "GenCPBootstrap.h"
+#include "support/TestSystem.h"
 
 using CLProtocol::CCLPort;
 using namespace TalvirSerialCam;
@@ -18,7 +19,9 @@ TEST_F(SerialLinkTest, ListsThePseudoTerminalAndOurDriver) {
   EXPECT_NE(std::find(ports.begin(), ports.end(), PortId()), ports.end());
   const std::string driver = DriverTemplate();
   ASSERT_FALSE(driver.empty());
-  EXPECT_NE(driver.find("/CLProtocol/Linux64_x64#libTavCLProtocolGenCP.so#KORIX#GENCP02"), std::string::npos);
+  const std::string ourDriver = std::string("/CLProtocol/") + TALVIR::Testing::CLProtocolPlatformFolder() + "#" +
+                                TALVIR::Testing::ModuleFileName("TavCLProtocolGenCP") + "#KORIX#GENCP02";
+  EXPECT_NE(driver.find(ourDriver), std::string::npos) << driver;
 }
 
 TEST_F(SerialLinkTest, ProbeAnswersWithTheCameraIdentity) {
@@ -32,7 +35,8 @@ TEST_F(SerialLinkTest, ProbeAnswersWithTheCameraIdentity) {
   EXPECT_EQ(parsed.version, defaults.version);
   EXPECT_EQ(parsed.serialNumber, defaults.serialNumber);
   EXPECT_FALSE(parsed.hasExtra);
-  const std::string suffix = "/CLProtocol/Linux64_x64/libTavCLProtocolGenCP.so";
+  const std::string suffix = std::string("/CLProtocol/") + TALVIR::Testing::CLProtocolPlatformFolder() + "/" +
+                             TALVIR::Testing::ModuleFileName("TavCLProtocolGenCP");
   ASSERT_GT(parsed.driverPath.size(), suffix.size());
   EXPECT_EQ(parsed.driverPath.substr(parsed.driverPath.size() - suffix.size()), suffix);
   // The camera offers stacked commands: the identity strings come in one of them, at 9600 baud.

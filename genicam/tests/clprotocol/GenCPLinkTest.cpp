@@ -3,6 +3,7 @@
 
 #include "SerialCameraServer.h"
 #include "platform/SerialDevice.h"
+#include "support/Skips.h"
 
 #include <gtest/gtest.h>
 
@@ -41,6 +42,7 @@ int32_t DeviceSetRate(void* context, uint32_t rate) {
 class GenCPLinkTest : public ::testing::Test {
 protected:
   void SetUp() override {
+    TALVIR_SKIP_WITHOUT_PSEUDO_TERMINALS();
     std::string error;
     ASSERT_TRUE(m_camera.Start(error)) << error;
     ASSERT_TRUE(m_device.Open(m_camera.PortPath(), error)) << error;

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/TestSystem.h"
+
 #include <algorithm>
 
 namespace {
@@ -15,7 +17,8 @@ std::string DriverTemplate() {
   GenICam::gcstring_vector templates;
   CLProtocol::CCLPort::GetDeviceIDTemplates(templates);
   for (const GenICam::gcstring& entry : templates) {
-    if (entry.find("#libTavCLProtocolGenCP.so#KORIX#GENCP02") != std::string::npos) {
+    if (entry.find("#" + TALVIR::Testing::ModuleFileName("TavCLProtocolGenCP") + "#KORIX#GENCP02") !=
+        std::string::npos) {
       return entry;
     }
   }

@@ -2,6 +2,9 @@
 
 #include "platform/Environment.h"
 
+#include "support/Skips.h"
+#include "support/TestSystem.h"
+
 void SerialLinkTest::StartCamera(const TalvirSerialCam::SCameraConfig& config) {
   m_camera.reset();
   m_camera = std::make_unique<TalvirSerialCam::CSerialCameraServer>(config);
@@ -10,7 +13,10 @@ void SerialLinkTest::StartCamera(const TalvirSerialCam::SCameraConfig& config) {
   GenICam::Platform::SetEnvironmentVariable("TALVIR_SERIAL_PORTS", m_camera->PortPath());
 }
 
-void SerialLinkTest::SetUp() { StartCamera(TalvirSerialCam::SCameraConfig()); }
+void SerialLinkTest::SetUp() {
+  TALVIR_SKIP_WITHOUT_PSEUDO_TERMINALS();
+  StartCamera(TalvirSerialCam::SCameraConfig());
+}
 
 void SerialLinkTest::TearDown() {
   m_camera.reset();
@@ -23,7 +29,7 @@ std::string SerialLinkTest::DriverTemplate() {
   GenICam::gcstring_vector templates;
   CLProtocol::CCLPort::GetDeviceIDTemplates(templates);
   for (const GenICam::gcstring& entry : templates) {
-    const std::string suffix = "#libTavCLProtocolGenCP.so#KORIX#GENCP02";
+    const std::string suffix = "#" + TALVIR::Testing::ModuleFileName("TavCLProtocolGenCP") + "#KORIX#GENCP02";
     if (entry.size() > suffix.size() && entry.compare(entry.size() - suffix.size(), suffix.size(), suffix) == 0) {
       return entry;
     }

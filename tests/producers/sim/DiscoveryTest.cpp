@@ -2,12 +2,13 @@
 #include "SimModule.h"
 #include "talvirsim/SimRegisters.h"
 
+#include "support/TestSystem.h"
+
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <stdlib.h>
 #include <string>
 #include <thread>
 
@@ -302,7 +303,7 @@ TEST(SimDiscovery, TheRemainingFunctionsAnswerOrSayTheyAreNotImplemented) {
 TEST(SimDiscovery, ALinkBehavesAsTheNameItWasLoadedUnderAndFindsItsConfigurationBesideIt) {
   CTempFolder folder;
   const std::filesystem::path link = folder.Path() / "LinkedGEVTL.cti";
-  std::filesystem::create_symlink(std::filesystem::path(TALVIR_BIN_DIR) / "TalvirSim.cti", link);
+  TALVIR::Testing::LinkFile(std::filesystem::path(TALVIR_BIN_DIR) / "TalvirSim.cti", link);
   std::ofstream(link.string() + ".json") << R"({"interfaces":[{"id":"ViaLink","devices":[{"id":"Linked"}]}]})";
   TALVIR::Platform::CDynamicModule module(link.string());
   ASSERT_TRUE(module.IsLoaded());
@@ -327,14 +328,14 @@ TEST(SimDiscovery, TheEnvironmentVariableNamesAConfigurationForEveryModule) {
   CTempFolder folder;
   const std::filesystem::path config = folder.Path() / "shared.json";
   std::ofstream(config) << R"({"interfaces":[{"id":"FromEnvironment","devices":[]}]})";
-  setenv("TALVIR_SIM_CONFIG", config.string().c_str(), 1);
+  TALVIR::Testing::SetEnvironmentValue("TALVIR_SIM_CONFIG", config.string());
   CSimModule module;
   const GC_ERROR result = module.Init();
   CSimModule missing;
-  setenv("TALVIR_SIM_CONFIG", (folder.Path() / "absent.json").string().c_str(), 1);
+  TALVIR::Testing::SetEnvironmentValue("TALVIR_SIM_CONFIG", (folder.Path() / "absent.json").string());
   const GC_ERROR missingResult = missing.Init();
   const std::string missingText = missing.LastError();
-  unsetenv("TALVIR_SIM_CONFIG");
+  TALVIR::Testing::UnsetEnvironmentValue("TALVIR_SIM_CONFIG");
   ASSERT_EQ(result, GC_ERR_SUCCESS);
   TL_HANDLE system = nullptr;
   ASSERT_EQ(module.fn.TLOpen(&system), GC_ERR_SUCCESS);

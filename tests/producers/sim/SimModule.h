@@ -3,6 +3,8 @@
 // Every CSimModule copies the file into a fresh temporary folder, so each test gets a module with fresh state.
 #include "platform/DynamicModule.h"
 
+#include "support/TempDirectory.h"
+
 #include <GenTL/GenTL.h>
 
 #include <cstdint>
@@ -10,8 +12,6 @@
 #include <fstream>
 #include <string>
 #include <vector>
-
-#include <stdlib.h>
 
 namespace TalvirSimTest {
 
@@ -25,23 +25,7 @@ struct SGenTL {
 };
 #undef TALVIR_SIM_DECLARE_POINTER
 
-class CTempFolder {
-public:
-  CTempFolder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "talvir-sim-XXXXXX").string();
-    m_path = mkdtemp(pattern.data());
-  }
-  ~CTempFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(m_path, ignored);
-  }
-  CTempFolder(const CTempFolder&) = delete;
-  CTempFolder& operator=(const CTempFolder&) = delete;
-  const std::filesystem::path& Path() const { return m_path; }
-
-private:
-  std::filesystem::path m_path;
-};
+using CTempFolder = TALVIR::Testing::CTempDirectory;
 
 class CSimModule {
 public:
