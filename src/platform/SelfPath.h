@@ -19,4 +19,12 @@ constexpr char kPathSeparator = '\\';
 constexpr char kPathSeparator = '/';
 #endif
 
+// Every character the system accepts between folders ("\\" and "/" on Windows), for code that takes paths from
+// anywhere (users, tests, configuration files) rather than from the system.
+#ifdef _WIN32
+constexpr const char* kPathSeparators = "\\/";
+#else
+constexpr const char* kPathSeparators = "/";
+#endif
+
 }  // namespace TALVIR::Platform

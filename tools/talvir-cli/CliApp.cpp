@@ -23,6 +23,9 @@ int RunCli(const std::vector<std::string>& arguments, std::ostream& out, std::os
                "save and load settings.",
                "talvir-cli");
   app.require_subcommand(1);
+  // The same command lines on every system: on Windows a path such as /data/camera.txt stays a path instead of
+  // reading as a "/option". Subcommands take this setting from the app when they are added.
+  app.allow_windows_style_options(false);
   app.set_help_all_flag("--help-all", "Print the help of every command");
   std::vector<std::unique_ptr<CCommand>> commands;
   commands.push_back(std::make_unique<CDiscoverCommand>());

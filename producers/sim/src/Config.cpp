@@ -18,7 +18,7 @@ namespace {
 using nlohmann::json;
 
 std::string UpperStem(const std::string& path) {
-  const size_t slash = path.find_last_of(TALVIR::Platform::kPathSeparator);
+  const size_t slash = path.find_last_of(TALVIR::Platform::kPathSeparators);
   std::string name = slash == std::string::npos ? path : path.substr(slash + 1);
   const size_t dot = name.find_last_of('.');
   if (dot != std::string::npos) {
@@ -473,7 +473,7 @@ SConfig DefaultConfig(EFlavour flavour, const std::string& modulePath) {
   config.flavour = flavour;
   config.tlType = FlavourTLType(flavour);
   config.modulePath = modulePath;
-  const size_t slash = modulePath.find_last_of(TALVIR::Platform::kPathSeparator);
+  const size_t slash = modulePath.find_last_of(TALVIR::Platform::kPathSeparators);
   config.moduleName = slash == std::string::npos ? modulePath : modulePath.substr(slash + 1);
   config.id = "TalvirSim" + std::string(flavour == EFlavour::Custom ? "" : config.tlType);
   SInterfaceConfig iface;
