@@ -28,12 +28,14 @@ server_running() {
   # script, so they must not inherit the lock (9>&-), or they would hold it for good.
   flock 9
   if ! server_running; then
-    wineserver -p600 </dev/null >/dev/null 2>&1 9>&- || true
     if [ ! -f "$prefix/system.reg" ]; then
+      # A new prefix: make it with a server of its own, and wait until that server has ended, that is until every
+      # process of the making has finished. A program started while the making still ran could wait forever.
       wineboot -i </dev/null >/dev/null 2>&1 9>&- || true
-    else
-      wineboot </dev/null >/dev/null 2>&1 9>&- || true
+      wineserver -w </dev/null >/dev/null 2>&1 9>&- || true
     fi
+    wineserver -p600 </dev/null >/dev/null 2>&1 9>&- || true
+    wineboot </dev/null >/dev/null 2>&1 9>&- || true
   fi
 ) 9>"${prefix}.lock"
 exec wine "$@"

@@ -11,4 +11,8 @@ namespace TALVIR::Platform {
 // matches "x.ctix", which is not a producer. An unreadable or missing folder gives an empty list.
 std::vector<std::string> ListFilesWithExtension(const std::string& directory, const std::string& extension);
 
+// The name rule of ListFilesWithExtension, the same on every platform: the last dot starts an extension of exactly
+// three characters that equals `extension` ignoring case.
+bool HasExactExtension(const std::string& name, const std::string& extension);
+
 }  // namespace TALVIR::Platform
