@@ -19,5 +19,8 @@ void SetEnvironmentVariable(const std::string& name, const std::string& value);
 // on Windows, where ':' follows drive letters). Empty when unset.
 std::vector<std::string> EnvironmentPathList(const std::string& name);
 
+// The characters that separate the entries of such a list on this platform.
+const char* PathListSeparators();
+
 }  // namespace Platform
 }  // namespace GenICam

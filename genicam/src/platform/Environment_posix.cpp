@@ -21,28 +21,8 @@ void SetEnvironmentVariable(const std::string& name, const std::string& value) {
   }
 }
 
-std::vector<std::string> EnvironmentPathList(const std::string& name) {
-  std::vector<std::string> entries;
-  const std::optional<std::string> value = EnvironmentVariable(name);
-  if (!value) {
-    return entries;
-  }
-  std::string current;
-  for (const char c : *value) {
-    if (c == ':' || c == ';') {
-      if (!current.empty()) {
-        entries.push_back(current);
-      }
-      current.clear();
-    } else {
-      current += c;
-    }
-  }
-  if (!current.empty()) {
-    entries.push_back(current);
-  }
-  return entries;
-}
+// ':' as on every Unix, ';' as well so that one setting can serve both platforms.
+const char* PathListSeparators() { return ":;"; }
 
 }  // namespace Platform
 }  // namespace GenICam

@@ -43,29 +43,8 @@ void SetEnvironmentVariable(const std::string& name, const std::string& value) {
   _putenv_s(name.c_str(), value.c_str());
 }
 
-std::vector<std::string> EnvironmentPathList(const std::string& name) {
-  std::vector<std::string> entries;
-  const std::optional<std::string> value = EnvironmentVariable(name);
-  if (!value) {
-    return entries;
-  }
-  // Only ';' separates: ':' belongs to drive letters here ("C:\drivers").
-  std::string current;
-  for (const char c : *value) {
-    if (c == ';') {
-      if (!current.empty()) {
-        entries.push_back(current);
-      }
-      current.clear();
-    } else {
-      current += c;
-    }
-  }
-  if (!current.empty()) {
-    entries.push_back(current);
-  }
-  return entries;
-}
+// Only ';': ':' belongs to drive letters here ("C:\drivers").
+const char* PathListSeparators() { return ";"; }
 
 }  // namespace Platform
 }  // namespace GenICam
