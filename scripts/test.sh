@@ -8,14 +8,14 @@ cd "$(dirname "$0")/.."
 scripts/setup.sh --windows
 cmake --preset asan
 cmake --build --preset asan
-ctest --preset asan --parallel 2 --timeout 600 --no-tests=error
+ctest --preset asan --parallel 2 --timeout 300 --no-tests=error
 
 cmake --preset tsan
 cmake --build --preset tsan --target threaded_tests
-ctest --preset tsan --parallel 2 --timeout 600 -L threads --no-tests=error
+ctest --preset tsan --parallel 2 --timeout 300 -L threads --no-tests=error
 
 cmake --preset windows
 cmake --build --preset windows
-ctest --preset windows --parallel 2 --timeout 600 --no-tests=error
+ctest --preset windows --parallel 2 --timeout 300 --no-tests=error
 
 scripts/check-format.sh

@@ -2,6 +2,8 @@
 // of its own.
 #include "talvirsim/HelperLibrarySim.h"
 
+#include "platform/ModuleOfAddress.h"
+
 #include <atomic>
 #include <cstring>
 #include <mutex>
@@ -46,6 +48,13 @@ public:
       return;
     }
     std::lock_guard<std::mutex> lock(m_mutex);
+    if (!m_kept) {
+      // The camera library frees this module when it closes and never asks it to stop reporting, so a reporter may
+      // still be running then. Joining it while the module is being unloaded would hang on Windows, and leaving it
+      // would run code that is gone: once a reporter was started, the module stays until the process ends, and the
+      // reporters are joined at that point.
+      m_kept = TALVIR::Platform::KeepModuleLoaded(reinterpret_cast<const void*>(&HelperSimReportStatus));
+    }
     m_reporters.emplace_back([callback, address, online] { callback(address, online); });
   }
   void WaitReports() {
@@ -65,6 +74,7 @@ private:
   std::mutex m_mutex;
   std::vector<SHelperPush> m_pushes;
   std::vector<std::thread> m_reporters;
+  bool m_kept = false;
 };
 
 CHelperState& State() {

@@ -37,4 +37,11 @@ std::string ModulePathOf(const void* address) {
   }
 }
 
+bool KeepModuleLoaded(const void* address) {
+  HMODULE module = nullptr;
+  return address != nullptr &&
+         GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
+                            static_cast<LPCSTR>(address), &module) != FALSE;
+}
+
 }  // namespace TALVIR::Platform
