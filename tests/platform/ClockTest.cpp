@@ -22,15 +22,28 @@ TEST(MonotonicMilliseconds, NeverGoesBackAndFollowsASleep) {
 }
 
 TEST(MonotonicMilliseconds, IsMilliseconds) {
-  const auto steadyStart = std::chrono::steady_clock::now();
+  using Steady = std::chrono::steady_clock;
+  const auto milliseconds = [](Steady::duration span) {
+    return static_cast<uint64_t>(std::chrono::duration_cast<std::chrono::milliseconds>(span).count());
+  };
+  // Each reading is bracketed by the standard clock, so that a pause of the thread between two readings (a loaded
+  // machine) widens the bounds instead of failing the test.
+  const Steady::time_point beforeStart = Steady::now();
   const uint64_t start = MonotonicMilliseconds();
+  const Steady::time_point afterStart = Steady::now();
   std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  const Steady::time_point beforeEnd = Steady::now();
   const uint64_t elapsed = MonotonicMilliseconds() - start;
-  const auto steadyElapsed =
-      std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - steadyStart).count();
-  // Both clocks measured the same interval; they agree to within the tick of one reading on each side.
-  EXPECT_LE(elapsed, static_cast<uint64_t>(steadyElapsed) + 2);
-  EXPECT_GE(elapsed + 2, static_cast<uint64_t>(steadyElapsed));
+  const Steady::time_point afterEnd = Steady::now();
+#ifdef _WIN32
+  // The system's tick count advances with the system timer, every 15.6 ms unless a program asked for a finer one.
+  constexpr uint64_t kTick = 16;
+#else
+  constexpr uint64_t kTick = 1;
+#endif
+  // The interval between the two readings lies between the inner and the outer bracket, give or take one tick.
+  EXPECT_LE(elapsed, milliseconds(afterEnd - beforeStart) + kTick);
+  EXPECT_GE(elapsed + kTick, milliseconds(beforeEnd - afterStart));
 }
 
 }  // namespace
